@@ -1,0 +1,49 @@
+#pragma once
+// Angles, rounding and plane geometry. Pi is the decimal 3.14159265 throughout, never the
+// full-precision value: results that reach a machine depend on it.
+#include <cstdint>
+#include <string>
+
+namespace tvx {
+
+inline constexpr double Pi = 3.14159265;
+
+// Rounds a double to the nearest 32-bit single: every store into a record or a table cell
+// goes through this.
+inline float ToSingle(double v) { return static_cast<float>(v); }
+
+double Norm360(double angle);
+double Norm180(double angle);
+double Norm90(double angle);
+double RadToDeg(double radians);
+void PolarToXY(double distance, double angle, double& x, double& y);
+void XYToPolar(double x, double y, double& distance, double& angle);
+double RoundTo(double value, int places);
+float AddAngles(double a, double b);
+void RotatePoint(double cx, double cy, double& x, double& y, double turn);
+bool PointInBox(float a, float b, float c, float d, double x, double y);
+
+void SwapValues(float& a, float& b);
+void SwapValues(double& a, double& b);
+void SwapIntegers(int16_t& a, int16_t& b);
+void SwapIntegers(int32_t& a, int32_t& b);
+void SwapTexts(std::string& a, std::string& b);
+
+struct SinglePoint {
+    float X = 0;
+    float Y = 0;
+};
+void CopyPoint(const SinglePoint& source, SinglePoint& destination);
+
+// Rounding of a number to an integer with halves going to the even neighbour, as every
+// conversion of a number into an integer cell does. A value outside the integer's range is a
+// fault of the run ("Overflow"), naming what was converted.
+bool RoundsIntoInt32(double value, int32_t& out);
+int16_t ToInteger16(double value, const char* what = "integer");
+int32_t ToInteger32(double value, const char* what = "long integer");
+// The integer part towards minus infinity, and towards zero, as 32-bit integers; a value out
+// of range is the same fault.
+int32_t FloorToInteger32(double value, const char* what = "long integer");
+int32_t TruncToInteger32(double value, const char* what = "long integer");
+
+}  // namespace tvx

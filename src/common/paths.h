@@ -1,0 +1,38 @@
+#pragma once
+// Files and paths. Paths in the system's files use '\'; '\' and '/' are both separators here.
+// A name that does not exist exactly is found without regard to case.
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+// The path with every '\' turned into '/'.
+std::string NativePath(std::string_view path);
+// The path as it stands on disk: the exact name where it exists, else each component matched
+// without regard to case; a component that is not found is kept as given.
+std::string FindPath(std::string_view path);
+
+bool FileExists(std::string_view path);
+bool DirectoryExists(std::string_view path);
+// Copies a file, overwriting; a missing source is the file fault.
+void CopyFileTo(std::string_view source, std::string_view destination);
+// Deletes a file; a missing file is the file fault "File not found".
+void DeleteFile(std::string_view path);
+// Deletes a file if it is there.
+void DeleteIfExists(std::string_view path);
+// Makes a directory (and any missing parents); a directory that is there already is fine.
+void MakeDirectory(std::string_view path);
+// The names (not paths) of the files in a directory that match a wildcard pattern of '*'
+// and '?', compared without regard to case, in name order.
+std::vector<std::string> ListFiles(std::string_view directory, std::string_view pattern);
+// Renames a file, replacing the destination.
+void RenameFile(std::string_view from, std::string_view to);
+// True when a wildcard pattern matches a name, without regard to case.
+bool WildcardMatch(std::string_view pattern, std::string_view name);
+// True if a directory listing of the path's first two characters can be made.
+bool DriveReady(std::string_view path);
+// Appends a '\' when the text does not end in a separator.
+std::string WithSeparator(std::string_view directory);
+
+}  // namespace tvx

@@ -1,0 +1,3 @@
+#include "tools/command_line.h"
+
+int main(int argc, char** argv) { return tvx::RunCommandLine(argc, argv); }

@@ -1,0 +1,55 @@
+#include "tools/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <iostream>
+
+#include "common/fault.h"
+#include "tools/drawing_tool.h"
+
+namespace tvx {
+
+namespace {
+
+// Prints how a run ended and gives its exit status.
+int Finish(const RunEnd& end) {
+    if (!end.Text.empty()) {
+        std::fwrite(end.Text.data(), 1, end.Text.size(), stderr);
+        std::fputc('\n', stderr);
+    }
+    return end.Status;
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, char** argv) {
+    CLI::App app{"torvanex: batch NC post-processor for sheet-metal fabrication.\n"
+                 "With no arguments it runs the job in the current directory."};
+    app.require_subcommand(0, 1);
+
+    auto* drawing = app.add_subcommand("drawing", "Read and write drawing files (.drw)");
+    drawing->require_subcommand(1);
+    std::string dumpFile;
+    auto* dump = drawing->add_subcommand("dump", "Print a drawing as JSON");
+    dump->add_option("file", dumpFile, "Drawing file")->required();
+    std::string buildFile, buildOutput;
+    auto* build = drawing->add_subcommand("build", "Write a drawing from its JSON form");
+    build->add_option("file", buildFile, "JSON file")->required();
+    build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? 0 : ExitFault;
+    }
+
+    try {
+        if (*dump) return DrawingDumpCommand(dumpFile, std::cout);
+        if (*build) return DrawingBuildCommand(buildFile, buildOutput);
+        return Finish(RunEnd{ExitFault, "The job run is not built yet"});
+    } catch (const RunEnd& end) {
+        return Finish(end);
+    }
+}
+
+}  // namespace tvx
