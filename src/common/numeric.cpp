@@ -23,6 +23,17 @@ double NormPeriod(double angle, double period) {
 
 }  // namespace
 
+float ToSingle(double v) {
+    constexpr double largest = static_cast<double>(std::numeric_limits<float>::max());
+    // Values up to half a unit beyond the largest single still round to it.
+    constexpr double limit = largest + largest / 33554432.0;  // 2^25: half a unit in the last place
+    if (std::isfinite(v) && (v >= limit || v <= -limit))
+        RunFault("Overflow: single " + Trim(PlainText(v)));
+    if (v > largest) return std::numeric_limits<float>::max();
+    if (v < -largest) return -std::numeric_limits<float>::max();
+    return static_cast<float>(v);
+}
+
 double Norm360(double angle) { return NormPeriod(angle, 360.0); }
 double Norm180(double angle) { return NormPeriod(angle, 180.0); }
 double Norm90(double angle) { return NormPeriod(angle, 90.0); }

@@ -9,8 +9,8 @@ namespace tvx {
 inline constexpr double Pi = 3.14159265;
 
 // Rounds a double to the nearest 32-bit single: every store into a record or a table cell
-// goes through this.
-inline float ToSingle(double v) { return static_cast<float>(v); }
+// goes through this. A finite value beyond the single's range is the fault "Overflow".
+float ToSingle(double v);
 
 double Norm360(double angle);
 double Norm180(double angle);

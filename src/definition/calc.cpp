@@ -1,6 +1,5 @@
 #include "definition/calc.h"
 
-#include <cfloat>
 #include <cmath>
 #include <cstdint>
 
@@ -19,14 +18,6 @@ enum Reference { RefV = 0, RefP = 1, RefM = 2, RefCount = 3 };
 // letter, rounded with halves to even. Nothing collected is cell 0.
 int32_t CellNumber(const std::string& digits) { return ToInteger32(LeadingNumber(digits), "cell number"); }
 
-// A number of a text cell taken as a single. A number beyond the single's range cannot be
-// stored in one: that is an overflow of the run, as for any other conversion.
-float TextCellSingle(double value) {
-    if (!(std::fabs(value) <= static_cast<double>(FLT_MAX)))
-        RunFault("Overflow: single " + Trim(PlainText(value)));
-    return ToSingle(value);
-}
-
 // The plain text of the referenced cell, with its leading blank for a value that is not
 // negative. The text table V gives the plain text of its cell's leading number.
 std::string CellText(RunState& state, Reference reference, const std::string& digits) {
@@ -34,7 +25,7 @@ std::string CellText(RunState& state, Reference reference, const std::string& di
     switch (reference) {
         case RefP: return PlainText(state.Tables.PostParam[cell]);
         case RefM: return PlainText(state.Tables.PostMachine[cell]);
-        default: return PlainText(TextCellSingle(LeadingNumber(state.Tables.PostUserText[cell])));
+        default: return PlainText(ToSingle(LeadingNumber(state.Tables.PostUserText[cell])));
     }
 }
 

@@ -155,3 +155,15 @@ TEST(Integers, ConversionRoundsHalvesToEvenAndFaultsOnOverflow) {
         EXPECT_EQ(e.Text, "Overflow: cell index 40000");
     }
 }
+
+TEST(Singles, StoreRoundsToNearestSingle) {
+    EXPECT_EQ(ToSingle(0.1), 0.1f);
+    EXPECT_EQ(ToSingle(1.0 + 1e-9), 1.0f);
+    EXPECT_TRUE(std::isnan(ToSingle(NAN)));
+    EXPECT_EQ(ToSingle(INFINITY), INFINITY);
+}
+TEST(Singles, ValueBeyondTheSingleRangeIsAnOverflowFault) {
+    EXPECT_EQ(ToSingle(3.4028234e38), 3.4028234e38f);
+    EXPECT_THROW(ToSingle(1e39), RunEnd);
+    EXPECT_THROW(ToSingle(-1e300), RunEnd);
+}
