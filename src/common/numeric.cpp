@@ -29,8 +29,8 @@ float ToSingle(double v) {
     constexpr double limit = largest + largest / 33554432.0;  // 2^25: half a unit in the last place
     if (std::isfinite(v) && (v >= limit || v <= -limit))
         RunFault("Overflow: single " + Trim(PlainText(v)));
-    if (v > largest) return std::numeric_limits<float>::max();
-    if (v < -largest) return -std::numeric_limits<float>::max();
+    if (std::isfinite(v) && v > largest) return std::numeric_limits<float>::max();
+    if (std::isfinite(v) && v < -largest) return -std::numeric_limits<float>::max();
     return static_cast<float>(v);
 }
 
