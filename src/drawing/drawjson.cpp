@@ -306,7 +306,9 @@ void ReadText(const Json& j, const Where& where, const std::string& field, Fixed
         }
     }
     if (bytes.size() > Width)
-        BadField(where, field, "the text is longer than its " + LongText(static_cast<int32_t>(Width)) + " characters");
+        BadField(where, field,
+                 "the text has " + Trim(PlainText(static_cast<double>(bytes.size()))) + " characters, the field holds " +
+                     LongText(static_cast<int32_t>(Width)));
     text = bytes;
 }
 
