@@ -456,6 +456,9 @@ std::string DrawingFromJson(std::string_view jsonText, const std::string& jsonNa
         const size_t at = e.byte;
         RunFault(jsonName + ": not JSON: syntax error at byte " +
                  Trim(PlainText(static_cast<double>(at))));
+    } catch (const Json::exception&) {
+        // The one other fault of reading: a number beyond the range of a double.
+        RunFault(jsonName + ": a number is too large to read");
     }
     if (!document.is_array()) RunFault(jsonName + ": expected an array of records");
     if (document.size() > static_cast<size_t>(INT32_MAX)) RunFault(jsonName + ": too many records");
