@@ -5,17 +5,13 @@
 #include <bit>
 #include <cfloat>
 #include <cstdint>
-#include <filesystem>
 #include <limits>
-#include <sstream>
 #include <string>
 
 #include "common/fault.h"
 #include "common/textfile.h"
 #include "drawing/drawfile.h"
 #include "drawing/record.h"
-#include "test_support.h"
-#include "tools/drawing_tool.h"
 
 using namespace tvx;
 
@@ -371,57 +367,4 @@ TEST(DrawingJsonFaults, ADrawingSizeThatIsNotAMultipleOf518) {
         EXPECT_EQ(e.Text, "a.drw: the size of a drawing must be a multiple of 518 bytes, not 519 bytes");
     }
     EXPECT_THROW(DrawingToJson(std::string(517, '\0'), "a.drw"), RunEnd);
-}
-
-TEST(DrawingCommands, DumpWritesTheJsonOfAFile) {
-    TempDir dir;
-    DrawRecord r;
-    r.EntityCode = 1;
-    r.RecordCount = 1;
-    WriteFileAtomically(dir.Path + "/a.drw", Bytes(r));
-    std::ostringstream out;
-    EXPECT_EQ(DrawingDumpCommand(dir.Path + "/a.drw", out), 0);
-    EXPECT_EQ(out.str(), ClearedRecordJson);
-}
-
-TEST(DrawingCommands, DumpOfAMissingFileIsAFileFaultAndMakesNoFile) {
-    TempDir dir;
-    std::ostringstream out;
-    try {
-        DrawingDumpCommand(dir.Path + "/none.drw", out);
-        FAIL();
-    } catch (const RunEnd& e) {
-        EXPECT_EQ(e.Status, ExitFault);
-        EXPECT_EQ(e.Text, "File not found: " + dir.Path + "/none.drw");
-    }
-    EXPECT_FALSE(std::filesystem::exists(dir.Path + "/none.drw"));
-    EXPECT_EQ(out.str(), "");
-}
-
-TEST(DrawingCommands, BuildWritesTheDrawing) {
-    TempDir dir;
-    WriteFileAtomically(dir.Path + "/a.json", R"([{"EntityCode": 1}])");
-    EXPECT_EQ(DrawingBuildCommand(dir.Path + "/a.json", dir.Path + "/a.drw"), 0);
-    DrawRecord r;
-    r.EntityCode = 1;
-    r.RecordCount = 1;
-    EXPECT_EQ(ReadAllBytes(dir.Path + "/a.drw"), Bytes(r));
-}
-
-TEST(DrawingCommands, ABadBuildLeavesNoOutputFileBehind) {
-    TempDir dir;
-    WriteFileAtomically(dir.Path + "/a.json", R"([{"EntityCode": 1}, {"EntityCode": 99999}])");
-    try {
-        DrawingBuildCommand(dir.Path + "/a.json", dir.Path + "/a.drw");
-        FAIL();
-    } catch (const RunEnd& e) {
-        EXPECT_EQ(e.Status, ExitFault);
-        EXPECT_EQ(e.Text, dir.Path + "/a.json: record 2, EntityCode: out of the range -32768 to 32767");
-    }
-    EXPECT_FALSE(std::filesystem::exists(dir.Path + "/a.drw"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path), std::filesystem::directory_iterator()), 1);
-    // A drawing that was there already stays as it was.
-    WriteFileAtomically(dir.Path + "/a.drw", "old");
-    EXPECT_THROW(DrawingBuildCommand(dir.Path + "/a.json", dir.Path + "/a.drw"), RunEnd);
-    EXPECT_EQ(ReadAllBytes(dir.Path + "/a.drw"), "old");
 }
