@@ -252,7 +252,11 @@ void OpenDrawing(DrawingFile& file, const std::string& path) {
     CloseDrawing(file);
     const std::string native = FindPath(path);
     std::FILE* f = std::fopen(native.c_str(), "r+b");
-    if (!f && !FileExists(path)) f = std::fopen(native.c_str(), "w+b");
+    if (!f) {
+        // A drawing that may not be written (a library on a read-only share) is opened for
+        // reading; a missing one is made.
+        f = FileExists(path) ? std::fopen(native.c_str(), "rb") : std::fopen(native.c_str(), "w+b");
+    }
     if (!f) FileFault("Cannot open file", path);
     file.Path = path;
     file.File.reset(f);

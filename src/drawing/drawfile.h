@@ -81,8 +81,9 @@ struct DrawingFile {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
 };
 
-// Opens a drawing for random access, making an empty file when there is none. A file that
-// cannot be opened or made is the file fault "Cannot open file".
+// Opens a drawing for random access, making an empty file when there is none; a file that may
+// not be written is opened for reading only, and a write to it is the file fault "Cannot write
+// file". A file that cannot be opened or made is the file fault "Cannot open file".
 void OpenDrawing(DrawingFile& file, const std::string& path);
 void CloseDrawing(DrawingFile& file);
 bool IsOpen(const DrawingFile& file);

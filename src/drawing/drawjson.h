@@ -20,7 +20,7 @@
 namespace tvx {
 
 // The shortest decimal text of a finite single that reads back to the same single: tried
-// with 1 to 9 significant digits, in the C form (a point, "e" exponents). A negative zero is
+// with 6 to 9 significant digits, in the C form (a point, "e" exponents). A negative zero is
 // "-0.0". A single that is not finite gives the text of its bits, "0x7fc00000".
 std::string ShortestSingleText(float value);
 

@@ -354,3 +354,28 @@ TEST(DrawFile, RewriteGrowsTheSource) {
     EXPECT_EQ(ReadRecordCount(source), 4);
     for (int n = 2; n <= 4; ++n) EXPECT_EQ(ReadRecord(source, n).EntityCode, 120);
 }
+
+TEST(DrawFile, ADrawingThatCannotBeOpenedIsAFileFault) {
+    TempDir dir;
+    std::filesystem::create_directory(dir.Path + "/Folder.drw");
+    DrawingFile f;
+    try {
+        OpenDrawing(f, dir.Path + "/Folder.drw");
+        FAIL();
+    } catch (const RunEnd& e) {
+        EXPECT_EQ(e.Status, ExitFault);
+        EXPECT_EQ(e.Text, "Cannot open file: " + dir.Path + "/Folder.drw");
+    }
+    EXPECT_FALSE(IsOpen(f));
+}
+
+TEST(DrawFile, NamesAreFoundWithoutRegardToCase) {
+    TempDir dir;
+    DrawingFile f;
+    OpenDrawing(f, dir.Path + "/Progmain.drw");
+    WriteRecord(f, 1, Coded(0, 1));
+    CloseDrawing(f);
+    OpenDrawing(f, dir.Path + "\\PROGMAIN.DRW");
+    EXPECT_EQ(ReadRecordCount(f), 1);
+    EXPECT_FALSE(std::filesystem::exists(dir.Path + "/PROGMAIN.DRW"));
+}
