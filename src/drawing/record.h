@@ -77,7 +77,7 @@ using RawCell = std::array<unsigned char, 4>;
 struct ToolSpec {
     int16_t Present = 0;        // non-zero: a tool is assigned; -1 when parsed from a tool string
     FixedText<1> Letter;        // class letter: "A".."M", "S", "P", "U"
-    FixedText<64> ToolName;     // description; compared on the trimmed text
+    FixedText<64> ToolName;     // the tool's name; compared on the trimmed text
     FieldArray<float, 4, "Size"> Size;  // Size[1] width or diameter, Size[2] length
     int16_t ToolNumber = 0;     // key into the tooling library
     int16_t WorkType = 0;       // work class (IsPunchWork, IsDualWork, IsProfileWork, IsRotaryWork)
