@@ -14,11 +14,64 @@ namespace tvx {
 struct TurretTool {
     int32_t ToolNumber = 0;
     int16_t Size = 0;
-    int16_t Station = 0;
-    std::string ToolText1;
-    std::string ToolText2;
-    int16_t Kind = 0;
-    bool Loaded = false;
+    int16_t Station = 0;     // number of the station, 0 to 64
+    std::string ToolText1;   // the station's label (PostText[26])
+    std::string ToolText2;   // the station's code text (PostText[25])
+    int16_t Kind = 0;        // Kind of its station in the .stn table
+    bool Loaded = false;     // true for each record read from the file
+};
+
+// ---- Configuration: start-up file, machine table, directories -------------------------------
+
+// A row of Machine.lst. Element 0 of the table holds the count in Number.
+struct MachineRow {
+    int32_t Number = 0;
+    std::string MachineMaker;
+    std::string MachineDirName;
+    std::string MachineModel;
+    std::string MachineNote;
+};
+
+// A row of Reverse.lst. Element 0 of the table holds the count in Number.
+struct ReverseRow {
+    int32_t Number = 0;
+    std::string FirstText;
+    std::string SecondText;
+};
+
+struct ConfigState {
+    // Directory that holds Torvanex.cfg: empty for the process's current directory.
+    std::string StartDir;
+    // Lines 1 to 3 of Torvanex.cfg, each with a trailing separator. WorkDir (in JobState) is a
+    // copy of ProgramDir.
+    std::string ProgramDir, DataDir, ProjectDir;
+    std::string RevSubsDir;  // DataDir + "RevSubs\"
+    std::string DriveRoot;   // first three characters of WorkDir, trimmed
+    int16_t MachineNumber = 1;
+    std::string ProjectName;
+    std::string CurrentProjectPath;  // ProjectPath of the machine's folder and ProjectName
+    std::vector<MachineRow> MachineList{MachineRow{}};
+    bool FullInstall = false;
+    bool ReverseInstall = false;
+    std::vector<ReverseRow> ReverseList{ReverseRow{}};
+};
+
+// ---- Machine files: stations, lengths -----------------------------------------------------
+
+// A cell of the station table (.stn), cells 0 to 64, indexed by the station number.
+struct StationCell {
+    int16_t Number = 0;
+    std::string Name;        // cut to 18 characters
+    int16_t Kind = 0;        // 1 to 9: a special station
+    float OffsetX = 0;       // millimetres
+    float OffsetY = 0;
+    int16_t ToolCount = 0;   // below 1: the station is empty
+};
+
+// A pair of lengths of the .mch file (lines 24 onward).
+struct LengthPair {
+    float First = 0;
+    float Second = 0;
 };
 
 // The job's files and texts.
@@ -36,6 +89,42 @@ struct JobState {
 struct MachineState {
     std::string MachineStem;  // ends with a dot
     std::vector<TurretTool> TurretTools{TurretTool{}};
+
+    // ---- Machine configuration (row of Machine.lst, per-machine paths, machine files) ----
+    std::string MachineMaker, MachineDirName, MachineModel, MachineNote;
+    std::string MaterialDir, ShapesDir, CustomDir, UndefinedDir;
+    // .msr
+    bool ImperialUnits = false;
+    bool ImperialOutput = false;  // the emitters' copy of ImperialUnits
+    // .mch
+    int16_t MachineKind = 0;
+    bool IsToolMachine = false;     // kind 10 up to below 40
+    bool IsComboMachine = false;    // kind 40 up to below 50
+    bool IsProfileMachine = false;  // kind not a multiple of 10 and below 40
+    int16_t StationCount = 0;
+    int16_t TurnSense = 0;
+    // Lengths of the .mch file by line number (lines 5 to 13, 15 to 20, 22, 23), millimetres.
+    std::array<float, 24> MachineLengths{};
+    bool MachineFlag14 = false;     // line 14 is "YES"
+    int16_t PairCount = 0;
+    std::array<LengthPair, 4> LengthPairs{};  // 1 to 3
+    // .prm
+    bool ParametersOn = false;
+    // .cms and the maker's name
+    std::string ControlName;        // line 1 of .cms, upper case
+    int16_t IntermotionKind = 0;
+    bool WestinghouseControl = false;
+    bool ViprosMaker = false;
+    bool RainMaker = false;
+    bool BehrensMaker = false;
+    bool TrumfMaker = false;
+    bool PullmaxMaker = false;
+    bool LvdMaker = false;
+    // .stn
+    std::array<StationCell, 65> StationTable{};
+    std::vector<int16_t> ToolStations{0};  // element 0 holds the count
+    int16_t SpecialStation = 0;
+    std::string SpecialStationName;
 };
 
 // The generation loop's own registers.
@@ -47,6 +136,8 @@ struct RunState {
     JobState Job;
     MachineState Machine;
     LoopState Loop;
+    // ---- Configuration ----
+    ConfigState Config;
 };
 
 }  // namespace tvx
