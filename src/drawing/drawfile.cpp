@@ -1,0 +1,343 @@
+#include "drawing/drawfile.h"
+
+#include <bit>
+#include <sys/types.h>
+
+#include "common/fault.h"
+#include "common/numtext.h"
+#include "common/paths.h"
+#include "common/textfile.h"
+
+namespace tvx {
+
+// Each field starts where the one before it ends, and the fields fill their record exactly.
+static_assert(EntityCodeOffset == 0);
+static_assert(EntityNameOffset == EntityCodeOffset + EntityCodeWidth);
+static_assert(EntityTextOffset == EntityNameOffset + EntityNameWidth);
+static_assert(SpareWordOffset == EntityTextOffset + EntityTextWidth);
+static_assert(RecordCountOffset == SpareWordOffset + SpareWordWidth);
+static_assert(CarryWord1Offset == RecordCountOffset + RecordCountWidth);
+static_assert(CarryWord2Offset == CarryWord1Offset + CarryWord1Width);
+static_assert(PointOffset == CarryWord2Offset + CarryWord2Width);
+static_assert(ValueOffset == PointOffset + PointWidth);
+static_assert(CountOffset == ValueOffset + ValueWidth);
+static_assert(SpareOffset == CountOffset + CountWidth);
+static_assert(SideOffset == SpareOffset + SpareWidth);
+static_assert(FollowFlagOffset == SideOffset + SideWidth);
+static_assert(ExtentOffset == FollowFlagOffset + FollowFlagWidth);
+static_assert(MarginOffset == ExtentOffset + ExtentWidth);
+static_assert(ToolAOffset == MarginOffset + MarginWidth);
+static_assert(ToolBOffset == ToolAOffset + ToolAWidth);
+static_assert(LeadInOffset == ToolBOffset + ToolBWidth);
+static_assert(LeadOutOffset == LeadInOffset + LeadInWidth);
+static_assert(AfterOffset == LeadOutOffset + LeadOutWidth);
+static_assert(AfterOffset + AfterWidth == RecordLength && RecordLength == 518);
+
+static_assert(PresentOffset == 0);
+static_assert(LetterOffset == PresentOffset + PresentWidth);
+static_assert(ToolNameOffset == LetterOffset + LetterWidth);
+static_assert(SizeOffset == ToolNameOffset + ToolNameWidth);
+static_assert(ToolNumberOffset == SizeOffset + SizeWidth);
+static_assert(WorkTypeOffset == ToolNumberOffset + ToolNumberWidth);
+static_assert(ToolStepOffset == WorkTypeOffset + WorkTypeWidth);
+static_assert(ToolAngleOffset == ToolStepOffset + ToolStepWidth);
+static_assert(StageIndexOffset == ToolAngleOffset + ToolAngleWidth);
+static_assert(StageIndexOffset + StageIndexWidth == ToolSpecLength && ToolSpecLength == 99);
+
+static_assert(LeadKindOffset == 0);
+static_assert(LeadLengthOffset == LeadKindOffset + LeadKindWidth);
+static_assert(LeadAngleOffset == LeadLengthOffset + LeadLengthWidth);
+static_assert(LeadSpareOffset == LeadAngleOffset + LeadAngleWidth);
+static_assert(LeadSpareOffset + LeadSpareWidth == LeadSpecLength && LeadSpecLength == 12);
+
+static_assert(ActionCodeOffset == 0);
+static_assert(ActionValueOffset == ActionCodeOffset + ActionCodeWidth);
+static_assert(ActionValueOffset + ActionValueWidth == AfterActionLength && AfterActionLength == 6);
+
+// The widths agree with the fields in memory.
+static_assert(EntityNameWidth == decltype(DrawRecord::EntityName)::Size);
+static_assert(EntityTextWidth == decltype(DrawRecord::EntityText)::Size);
+static_assert(LetterWidth == decltype(ToolSpec::Letter)::Size);
+static_assert(ToolNameWidth == decltype(ToolSpec::ToolName)::Size);
+static_assert(PointWidth == decltype(DrawRecord::Point)::Bound * 8);
+static_assert(ValueWidth == decltype(DrawRecord::Value)::Bound * 4);
+static_assert(CountWidth == decltype(DrawRecord::Count)::Bound * 2);
+static_assert(SpareWidth == decltype(DrawRecord::Spare)::Bound * sizeof(RawCell));
+static_assert(ExtentWidth == decltype(DrawRecord::Extent)::Bound * 8);
+static_assert(MarginWidth == decltype(DrawRecord::Margin)::Bound * 8);
+static_assert(SizeWidth == decltype(ToolSpec::Size)::Bound * 4);
+
+namespace {
+
+using Bytes = unsigned char*;
+using ConstBytes = const unsigned char*;
+
+void PutInt16(Bytes at, int16_t v) {
+    const auto u = static_cast<uint16_t>(v);
+    at[0] = static_cast<unsigned char>(u & 0xFF);
+    at[1] = static_cast<unsigned char>(u >> 8);
+}
+
+void PutInt32(Bytes at, int32_t v) {
+    const auto u = static_cast<uint32_t>(v);
+    for (int i = 0; i < 4; ++i) at[i] = static_cast<unsigned char>((u >> (8 * i)) & 0xFF);
+}
+
+void PutSingle(Bytes at, float v) { PutInt32(at, static_cast<int32_t>(std::bit_cast<uint32_t>(v))); }
+
+void PutPoint(Bytes at, const SinglePoint& p) {
+    PutSingle(at, p.X);
+    PutSingle(at + 4, p.Y);
+}
+
+template <size_t Width>
+void PutText(Bytes at, const FixedText<Width>& text) {
+    for (size_t i = 0; i < Width; ++i) at[i] = static_cast<unsigned char>(text.Bytes[i]);
+}
+
+int16_t GetInt16(ConstBytes at) {
+    const auto u = static_cast<uint16_t>(at[0] | (at[1] << 8));
+    return static_cast<int16_t>(u);
+}
+
+uint32_t GetWord32(ConstBytes at) {
+    uint32_t u = 0;
+    for (int i = 3; i >= 0; --i) u = (u << 8) | at[i];
+    return u;
+}
+
+int32_t GetInt32(ConstBytes at) { return static_cast<int32_t>(GetWord32(at)); }
+
+float GetSingle(ConstBytes at) { return std::bit_cast<float>(GetWord32(at)); }
+
+SinglePoint GetPoint(ConstBytes at) { return SinglePoint{GetSingle(at), GetSingle(at + 4)}; }
+
+template <size_t Width>
+void GetText(ConstBytes at, FixedText<Width>& text) {
+    for (size_t i = 0; i < Width; ++i) text.Bytes[i] = static_cast<char>(at[i]);
+}
+
+void EncodeTool(Bytes at, const ToolSpec& tool) {
+    PutInt16(at + PresentOffset, tool.Present);
+    PutText(at + LetterOffset, tool.Letter);
+    PutText(at + ToolNameOffset, tool.ToolName);
+    for (int i = 1; i <= 4; ++i) PutSingle(at + SizeOffset + 4 * static_cast<size_t>(i - 1), tool.Size[i]);
+    PutInt16(at + ToolNumberOffset, tool.ToolNumber);
+    PutInt16(at + WorkTypeOffset, tool.WorkType);
+    PutSingle(at + ToolStepOffset, tool.ToolStep);
+    PutSingle(at + ToolAngleOffset, tool.ToolAngle);
+    PutInt32(at + StageIndexOffset, tool.StageIndex);
+}
+
+void DecodeTool(ConstBytes at, ToolSpec& tool) {
+    tool.Present = GetInt16(at + PresentOffset);
+    GetText(at + LetterOffset, tool.Letter);
+    GetText(at + ToolNameOffset, tool.ToolName);
+    for (int i = 1; i <= 4; ++i) tool.Size[i] = GetSingle(at + SizeOffset + 4 * static_cast<size_t>(i - 1));
+    tool.ToolNumber = GetInt16(at + ToolNumberOffset);
+    tool.WorkType = GetInt16(at + WorkTypeOffset);
+    tool.ToolStep = GetSingle(at + ToolStepOffset);
+    tool.ToolAngle = GetSingle(at + ToolAngleOffset);
+    tool.StageIndex = GetInt32(at + StageIndexOffset);
+}
+
+void EncodeLead(Bytes at, const LeadSpec& lead) {
+    PutInt16(at + LeadKindOffset, lead.LeadKind);
+    PutSingle(at + LeadLengthOffset, lead.LeadLength);
+    PutSingle(at + LeadAngleOffset, lead.LeadAngle);
+    PutInt16(at + LeadSpareOffset, lead.LeadSpare);
+}
+
+void DecodeLead(ConstBytes at, LeadSpec& lead) {
+    lead.LeadKind = GetInt16(at + LeadKindOffset);
+    lead.LeadLength = GetSingle(at + LeadLengthOffset);
+    lead.LeadAngle = GetSingle(at + LeadAngleOffset);
+    lead.LeadSpare = GetInt16(at + LeadSpareOffset);
+}
+
+void EncodeAfter(Bytes at, const AfterAction& after) {
+    PutInt16(at + ActionCodeOffset, after.ActionCode);
+    PutSingle(at + ActionValueOffset, after.ActionValue);
+}
+
+void DecodeAfter(ConstBytes at, AfterAction& after) {
+    after.ActionCode = GetInt16(at + ActionCodeOffset);
+    after.ActionValue = GetSingle(at + ActionValueOffset);
+}
+
+size_t Index0(int i) { return static_cast<size_t>(i - 1); }
+
+}  // namespace
+
+RecordBytes EncodeRecord(const DrawRecord& record) {
+    RecordBytes bytes{};
+    const Bytes b = bytes.data();
+    PutInt16(b + EntityCodeOffset, record.EntityCode);
+    PutText(b + EntityNameOffset, record.EntityName);
+    PutText(b + EntityTextOffset, record.EntityText);
+    PutInt16(b + SpareWordOffset, record.SpareWord);
+    PutInt32(b + RecordCountOffset, record.RecordCount);
+    PutInt16(b + CarryWord1Offset, record.CarryWord1);
+    PutInt16(b + CarryWord2Offset, record.CarryWord2);
+    for (int i = 1; i <= 6; ++i) PutPoint(b + PointOffset + 8 * Index0(i), record.Point[i]);
+    for (int i = 1; i <= 20; ++i) PutSingle(b + ValueOffset + 4 * Index0(i), record.Value[i]);
+    for (int i = 1; i <= 8; ++i) PutInt16(b + CountOffset + 2 * Index0(i), record.Count[i]);
+    for (int i = 1; i <= 2; ++i)
+        for (size_t k = 0; k < 4; ++k) b[SpareOffset + 4 * Index0(i) + k] = record.Spare[i][k];
+    PutInt16(b + SideOffset, record.Side);
+    PutInt16(b + FollowFlagOffset, record.FollowFlag);
+    for (int i = 1; i <= 2; ++i) {
+        PutPoint(b + ExtentOffset + 8 * Index0(i), record.Extent[i]);
+        PutPoint(b + MarginOffset + 8 * Index0(i), record.Margin[i]);
+    }
+    EncodeTool(b + ToolAOffset, record.ToolA);
+    EncodeTool(b + ToolBOffset, record.ToolB);
+    EncodeLead(b + LeadInOffset, record.LeadIn);
+    EncodeLead(b + LeadOutOffset, record.LeadOut);
+    EncodeAfter(b + AfterOffset, record.After);
+    return bytes;
+}
+
+void DecodeRecord(std::string_view bytes, DrawRecord& record) {
+    RecordBytes full{};
+    const size_t n = bytes.size() < RecordLength ? bytes.size() : RecordLength;
+    for (size_t i = 0; i < n; ++i) full[i] = static_cast<unsigned char>(bytes[i]);
+    const ConstBytes b = full.data();
+    record.EntityCode = GetInt16(b + EntityCodeOffset);
+    GetText(b + EntityNameOffset, record.EntityName);
+    GetText(b + EntityTextOffset, record.EntityText);
+    record.SpareWord = GetInt16(b + SpareWordOffset);
+    record.RecordCount = GetInt32(b + RecordCountOffset);
+    record.CarryWord1 = GetInt16(b + CarryWord1Offset);
+    record.CarryWord2 = GetInt16(b + CarryWord2Offset);
+    for (int i = 1; i <= 6; ++i) record.Point[i] = GetPoint(b + PointOffset + 8 * Index0(i));
+    for (int i = 1; i <= 20; ++i) record.Value[i] = GetSingle(b + ValueOffset + 4 * Index0(i));
+    for (int i = 1; i <= 8; ++i) record.Count[i] = GetInt16(b + CountOffset + 2 * Index0(i));
+    for (int i = 1; i <= 2; ++i)
+        for (size_t k = 0; k < 4; ++k) record.Spare[i][k] = b[SpareOffset + 4 * Index0(i) + k];
+    record.Side = GetInt16(b + SideOffset);
+    record.FollowFlag = GetInt16(b + FollowFlagOffset);
+    for (int i = 1; i <= 2; ++i) {
+        record.Extent[i] = GetPoint(b + ExtentOffset + 8 * Index0(i));
+        record.Margin[i] = GetPoint(b + MarginOffset + 8 * Index0(i));
+    }
+    DecodeTool(b + ToolAOffset, record.ToolA);
+    DecodeTool(b + ToolBOffset, record.ToolB);
+    DecodeLead(b + LeadInOffset, record.LeadIn);
+    DecodeLead(b + LeadOutOffset, record.LeadOut);
+    DecodeAfter(b + AfterOffset, record.After);
+}
+
+DrawRecord DecodeRecord(std::string_view bytes) {
+    DrawRecord record;
+    DecodeRecord(bytes, record);
+    return record;
+}
+
+namespace {
+
+void RequireOpen(const DrawingFile& file) {
+    if (!file.File) FileFault("File not open", file.Path);
+}
+
+// The byte offset of record n; a number below 1 is the fault "Bad record number".
+off_t RecordPosition(const DrawingFile& file, int32_t number) {
+    if (number < 1) RunFault("Bad record number " + LongText(number) + ": " + file.Path);
+    return static_cast<off_t>(number - 1) * static_cast<off_t>(RecordLength);
+}
+
+}  // namespace
+
+void OpenDrawing(DrawingFile& file, const std::string& path) {
+    CloseDrawing(file);
+    const std::string native = FindPath(path);
+    std::FILE* f = std::fopen(native.c_str(), "r+b");
+    if (!f && !FileExists(path)) f = std::fopen(native.c_str(), "w+b");
+    if (!f) FileFault("Cannot open file", path);
+    file.Path = path;
+    file.File.reset(f);
+}
+
+void CloseDrawing(DrawingFile& file) { file.File.reset(); }
+
+bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
+
+void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
+    RequireOpen(file);
+    const off_t position = RecordPosition(file, number);
+    std::FILE* f = file.File.get();
+    char buffer[RecordLength];
+    size_t got = 0;
+    if (::fseeko(f, position, SEEK_SET) == 0) got = std::fread(buffer, 1, RecordLength, f);
+    if (std::ferror(f)) {
+        std::clearerr(f);
+        FileFault("Cannot read file", file.Path);
+    }
+    std::clearerr(f);
+    DecodeRecord(std::string_view(buffer, got), record);
+}
+
+DrawRecord ReadRecord(DrawingFile& file, int32_t number) {
+    DrawRecord record;
+    ReadRecord(file, number, record);
+    return record;
+}
+
+void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
+    RequireOpen(file);
+    const off_t position = RecordPosition(file, number);
+    std::FILE* f = file.File.get();
+    const RecordBytes bytes = EncodeRecord(record);
+    if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, RecordLength, f) != RecordLength ||
+        std::fflush(f) != 0) {
+        std::clearerr(f);
+        FileFault("Cannot write file", file.Path);
+    }
+}
+
+int32_t RecordsOnDisk(DrawingFile& file) {
+    RequireOpen(file);
+    std::FILE* f = file.File.get();
+    if (::fseeko(f, 0, SEEK_END) != 0) FileFault("Cannot read file", file.Path);
+    const off_t size = ::ftello(f);
+    if (size < 0) FileFault("Cannot read file", file.Path);
+    const off_t records = (size + static_cast<off_t>(RecordLength) - 1) / static_cast<off_t>(RecordLength);
+    return records > INT32_MAX ? INT32_MAX : static_cast<int32_t>(records);
+}
+
+void MakeWorkingFile(DrawingFile& file, const std::string& path) {
+    CloseDrawing(file);
+    TextOutput made;
+    OpenTextOutput(made, path);
+    CloseText(made);
+    DeleteFile(path);
+    OpenDrawing(file, path);
+}
+
+int32_t ReadRecordCount(DrawingFile& file) { return ReadRecord(file, 1).RecordCount; }
+
+int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRecord&)>& visit) {
+    const int32_t count = ReadRecordCount(file);
+    if (count < 2) return 0;
+    const int32_t onDisk = RecordsOnDisk(file);
+    const int32_t last = count < onDisk ? count : onDisk;
+    DrawRecord record;
+    for (int64_t n = 1; n <= last; ++n) {
+        ReadRecord(file, static_cast<int32_t>(n), record);
+        visit(static_cast<int32_t>(n), record);
+    }
+    return last;
+}
+
+void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
+    DrawRecord record;
+    for (int64_t n = 2; n <= newCount; ++n) {
+        ReadRecord(temp, static_cast<int32_t>(n), record);
+        WriteRecord(source, static_cast<int32_t>(n), record);
+    }
+    ReadRecord(source, 1, record);
+    record.RecordCount = newCount;
+    WriteRecord(source, 1, record);
+}
+
+}  // namespace tvx

@@ -1,0 +1,118 @@
+#pragma once
+// The file form of a drawing: random access, 518-byte records numbered from 1, no header
+// outside the records. Integers are little-endian, singles IEEE 754 32-bit, texts 8-bit and
+// blank padded. Every field is written and read by its own offset; the in-memory record has no
+// bearing on the file.
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "drawing/record.h"
+
+namespace tvx {
+
+// Lengths of the record and its sub-records.
+inline constexpr size_t RecordLength = 518;
+inline constexpr size_t ToolSpecLength = 99;
+inline constexpr size_t LeadSpecLength = 12;
+inline constexpr size_t AfterActionLength = 6;
+
+// Offsets and widths of the record's fields.
+inline constexpr size_t EntityCodeOffset = 0, EntityCodeWidth = 2;
+inline constexpr size_t EntityNameOffset = 2, EntityNameWidth = 18;
+inline constexpr size_t EntityTextOffset = 20, EntityTextWidth = 72;
+inline constexpr size_t SpareWordOffset = 92, SpareWordWidth = 2;
+inline constexpr size_t RecordCountOffset = 94, RecordCountWidth = 4;
+inline constexpr size_t CarryWord1Offset = 98, CarryWord1Width = 2;
+inline constexpr size_t CarryWord2Offset = 100, CarryWord2Width = 2;
+inline constexpr size_t PointOffset = 102, PointWidth = 6 * 8;
+inline constexpr size_t ValueOffset = 150, ValueWidth = 20 * 4;
+inline constexpr size_t CountOffset = 230, CountWidth = 8 * 2;
+inline constexpr size_t SpareOffset = 246, SpareWidth = 2 * 4;
+inline constexpr size_t SideOffset = 254, SideWidth = 2;
+inline constexpr size_t FollowFlagOffset = 256, FollowFlagWidth = 2;
+inline constexpr size_t ExtentOffset = 258, ExtentWidth = 2 * 8;
+inline constexpr size_t MarginOffset = 274, MarginWidth = 2 * 8;
+inline constexpr size_t ToolAOffset = 290, ToolAWidth = ToolSpecLength;
+inline constexpr size_t ToolBOffset = 389, ToolBWidth = ToolSpecLength;
+inline constexpr size_t LeadInOffset = 488, LeadInWidth = LeadSpecLength;
+inline constexpr size_t LeadOutOffset = 500, LeadOutWidth = LeadSpecLength;
+inline constexpr size_t AfterOffset = 512, AfterWidth = AfterActionLength;
+
+// Offsets and widths inside a ToolSpec.
+inline constexpr size_t PresentOffset = 0, PresentWidth = 2;
+inline constexpr size_t LetterOffset = 2, LetterWidth = 1;
+inline constexpr size_t ToolNameOffset = 3, ToolNameWidth = 64;
+inline constexpr size_t SizeOffset = 67, SizeWidth = 4 * 4;
+inline constexpr size_t ToolNumberOffset = 83, ToolNumberWidth = 2;
+inline constexpr size_t WorkTypeOffset = 85, WorkTypeWidth = 2;
+inline constexpr size_t ToolStepOffset = 87, ToolStepWidth = 4;
+inline constexpr size_t ToolAngleOffset = 91, ToolAngleWidth = 4;
+inline constexpr size_t StageIndexOffset = 95, StageIndexWidth = 4;
+
+// Offsets and widths inside a LeadSpec.
+inline constexpr size_t LeadKindOffset = 0, LeadKindWidth = 2;
+inline constexpr size_t LeadLengthOffset = 2, LeadLengthWidth = 4;
+inline constexpr size_t LeadAngleOffset = 6, LeadAngleWidth = 4;
+inline constexpr size_t LeadSpareOffset = 10, LeadSpareWidth = 2;
+
+// Offsets and widths inside an AfterAction.
+inline constexpr size_t ActionCodeOffset = 0, ActionCodeWidth = 2;
+inline constexpr size_t ActionValueOffset = 2, ActionValueWidth = 4;
+
+using RecordBytes = std::array<unsigned char, RecordLength>;
+
+// The 518 bytes of a record.
+RecordBytes EncodeRecord(const DrawRecord& record);
+// A record from its bytes. Fewer than 518 bytes are the present bytes with zeros after them
+// (a partial last record, or none at all past the end of a file); bytes beyond 518 are not
+// looked at.
+void DecodeRecord(std::string_view bytes, DrawRecord& record);
+DrawRecord DecodeRecord(std::string_view bytes);
+
+// A drawing file open for random access.
+struct DrawingFile {
+    std::string Path;  // as opened, for messages
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
+};
+
+// Opens a drawing for random access, making an empty file when there is none. A file that
+// cannot be opened or made is the file fault "Cannot open file".
+void OpenDrawing(DrawingFile& file, const std::string& path);
+void CloseDrawing(DrawingFile& file);
+bool IsOpen(const DrawingFile& file);
+// Reads record n (from 1). A record past the end of the file reads as zeros (EntityCode 0);
+// a partial last record gives its present bytes and zeros after them.
+void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record);
+DrawRecord ReadRecord(DrawingFile& file, int32_t number);
+// Writes record n (from 1); writing past the end extends the file.
+void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record);
+// The number of records the file holds, a partial last record counted.
+int32_t RecordsOnDisk(DrawingFile& file);
+
+// Makes an empty working file and opens it for random access: opened for output so that it
+// exists, closed, deleted and opened anew, so that nothing of a stale longer file remains.
+void MakeWorkingFile(DrawingFile& file, const std::string& path);
+
+// The working file into which a pass writes the new drawing while it walks the old one.
+inline constexpr std::string_view PassTempName = "PTemp.tmp";
+
+// The RecordCount of record 1.
+int32_t ReadRecordCount(DrawingFile& file);
+// The walk of a pass over a drawing: reads record 1 and its RecordCount; when that is below 2
+// the drawing has nothing to walk and `visit` is not called; otherwise `visit(n, record)` is
+// called for each record from 1 up to RecordCount, record 1 included. A RecordCount beyond the
+// records on disk ends the walk at the last of them. Gives the number of records visited.
+int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRecord&)>& visit);
+
+// The end of a pass that changed the number of records: copies records 2 up to newCount of the
+// pass's working file back over the source, record by record, then writes newCount into the
+// RecordCount of the source's record 1. Records of the source behind newCount stay on disk.
+void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount);
+
+}  // namespace tvx
