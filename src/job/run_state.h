@@ -7,6 +7,7 @@
 
 #include "definition/engine_state.h"
 #include "definition/tables.h"
+#include "drawing/record.h"
 
 namespace tvx {
 
@@ -74,6 +75,24 @@ struct LengthPair {
     float Second = 0;
 };
 
+// ---- Material: the current material's record (.mtl), fields by their numbers -------------
+
+struct MaterialRecord {
+    std::string Name;           // field 0: the material's name, "Default" for the fallback
+    int16_t Field1 = 0;
+    float Field2 = 0, Field3 = 0, Field4 = 0;
+    std::string Field5;
+    std::string Field11;        // the tool library's name
+    float Field12 = 0;          // 1000 on a combo machine
+    float Field13 = 0;
+    float Field21 = 0, Field22 = 0;
+    int16_t Field23 = 0;
+    ToolSpec Tool;              // field 31, a tool string; empty unless a usable cutting tool
+};
+
+// A record of the tool defaults file (.dft), kept as its 49 bytes.
+using ToolDefaultRecord = std::array<unsigned char, 49>;
+
 // The job's files and texts.
 struct JobState {
     std::string WorkDir;      // with a trailing separator
@@ -125,6 +144,14 @@ struct MachineState {
     std::vector<int16_t> ToolStations{0};  // element 0 holds the count
     int16_t SpecialStation = 0;
     std::string SpecialStationName;
+
+    // ---- Material and tool library ----
+    MaterialRecord Material;        // the current material
+    float MaterialField13 = 0;      // field 13 of the current material, for the job
+    std::string ToolLibrary;        // name of the tool library
+    std::string ToolsStem;          // DataDir + "Tools\" + MachineDirName + "\" + library + "."
+    std::string TurretsStem;        // DataDir + "Turrets\" + MachineDirName + "\" + library + "."
+    std::array<ToolDefaultRecord, 5> ToolDefaults{};  // 1 to 4
 };
 
 // The generation loop's own registers.
