@@ -18,13 +18,15 @@ bool ListAtEnd(const TextInput& in) {
     return true;
 }
 
-int16_t TextToInteger16(std::string_view text, const char* what) {
-    return ToInteger16(LeadingNumber(text), what);
+std::string FieldOf(const char* field, const TextInput& in) { return std::string(field) + " of " + in.Path; }
+
+int16_t TextToInteger16(std::string_view text, const char* field, const TextInput& in) {
+    return ToInteger16(LeadingNumber(text), FieldOf(field, in).c_str());
 }
 
-int16_t TextTruncToInteger16(std::string_view text, const char* what) {
+int16_t TextTruncToInteger16(std::string_view text, const char* field, const TextInput& in) {
     const double value = LeadingNumber(text);
-    return ToInteger16(std::isfinite(value) ? std::trunc(value) : value, what);
+    return ToInteger16(std::isfinite(value) ? std::trunc(value) : value, FieldOf(field, in).c_str());
 }
 
 float MachineLength(double value, bool imperial) {

@@ -33,15 +33,15 @@ void LoadMachineData(RunState& state) {
     auto length = [&]() { return MachineLength(LeadingNumber(ReadLabelValue(in)), imperial); };
 
     (void)ReadLine(in);  // line 1: the machine's title, for people
-    machine.MachineKind = TextToInteger16(ReadLabelValue(in), "MachineKind");
-    machine.StationCount = TextTruncToInteger16(ReadLabelValue(in), "StationCount");
-    machine.TurnSense = TextTruncToInteger16(ReadLabelValue(in), "TurnSense");
+    machine.MachineKind = TextToInteger16(ReadLabelValue(in), "MachineKind", in);
+    machine.StationCount = TextTruncToInteger16(ReadLabelValue(in), "StationCount", in);
+    machine.TurnSense = TextTruncToInteger16(ReadLabelValue(in), "TurnSense", in);
     for (int line = 5; line <= 13; ++line) machine.MachineLengths[static_cast<size_t>(line)] = length();
     state.Tables.PostParam[55] = machine.MachineLengths[5];
     state.Tables.PostParam[56] = machine.MachineLengths[6];
     machine.MachineFlag14 = Upper(ReadLabelValue(in)) == "YES";
     for (int line = 15; line <= 20; ++line) machine.MachineLengths[static_cast<size_t>(line)] = length();
-    machine.PairCount = TextToInteger16(ReadLabelValue(in), "PairCount");
+    machine.PairCount = TextToInteger16(ReadLabelValue(in), "PairCount", in);
     for (int line = 22; line <= 23; ++line) machine.MachineLengths[static_cast<size_t>(line)] = length();
     for (int pair = 1; pair <= machine.PairCount; ++pair) {
         if (pair >= static_cast<int>(machine.LengthPairs.size())) IndexFault("LengthPairs", pair);
@@ -108,10 +108,10 @@ void LoadStations(MachineState& machine) {
         StationCell cell;
         cell.Number = static_cast<int16_t>(number);
         cell.Name = ReadItem(in).substr(0, 18);
-        cell.Kind = TextToInteger16(ReadItem(in), "Kind");
+        cell.Kind = TextToInteger16(ReadItem(in), "Kind", in);
         cell.OffsetX = MachineLength(LeadingNumber(ReadItem(in)), machine.ImperialUnits);
         cell.OffsetY = MachineLength(LeadingNumber(ReadItem(in)), machine.ImperialUnits);
-        cell.ToolCount = TextToInteger16(ReadItem(in), "ToolCount");
+        cell.ToolCount = TextToInteger16(ReadItem(in), "ToolCount", in);
         machine.StationTable[static_cast<size_t>(number)] = cell;
 
         // An empty station holds no tool and is not counted.
@@ -138,9 +138,9 @@ void LoadTurret(MachineState& machine) {
         const std::string first = ReadItem(in);
         if (IsListEnd(first)) break;
         TurretTool tool;
-        tool.ToolNumber = TruncToInteger32(LeadingNumber(first), "ToolNumber");
-        tool.Size = TextToInteger16(ReadItem(in), "Size");
-        tool.Station = TextToInteger16(ReadItem(in), "Station");
+        tool.ToolNumber = TruncToInteger32(LeadingNumber(first), FieldOf("ToolNumber", in).c_str());
+        tool.Size = TextToInteger16(ReadItem(in), "Size", in);
+        tool.Station = TextToInteger16(ReadItem(in), "Station", in);
         tool.ToolText1 = ReadItem(in);
         tool.ToolText2 = ReadItem(in);
         if (tool.Station < 0 || tool.Station >= static_cast<int>(machine.StationTable.size()))

@@ -48,11 +48,11 @@ std::array<MaterialValue, MaterialFieldCount> ReadMaterialFile(const MachineStat
     TextInput in;
     OpenTextInput(in, path);
     auto number = [&]() { return NumberValue(ToSingle(LeadingNumber(ReadLabelValue(in)))); };
-    auto integer = [&](const char* what) { return NumberValue(TextToInteger16(ReadLabelValue(in), what)); };
+    auto integer = [&](const char* field) { return NumberValue(TextToInteger16(ReadLabelValue(in), field, in)); };
 
     fields[0] = TextValue(name);
     (void)ReadLine(in);
-    fields[1] = integer("material field 1");
+    fields[1] = integer("field 1");
     fields[2] = number();
     fields[3] = number();
     fields[4] = number();
@@ -68,7 +68,7 @@ std::array<MaterialValue, MaterialFieldCount> ReadMaterialFile(const MachineStat
         fields[21] = NumberValue(0);
         fields[22] = NumberValue(0);
     }
-    if (profile || combo) fields[23] = integer("material field 23");
+    if (profile || combo) fields[23] = integer("field 23");
     if (tool && profile) fields[31] = TextValue(ReadLabelValue(in));
     CloseText(in);
     return fields;

@@ -24,7 +24,7 @@ void LoadMachineList(RunState& state) {
         const std::string first = ReadItem(in);
         if (IsListEnd(first)) break;
         MachineRow row;
-        row.Number = ToInteger32(LeadingNumber(first), "MachineNumber");
+        row.Number = ToInteger32(LeadingNumber(first), FieldOf("MachineNumber", in).c_str());
         if (row.Number < 1) break;
         row.MachineMaker = ReadItem(in);
         row.MachineDirName = ReadItem(in);
@@ -46,7 +46,7 @@ void LoadReverseList(RunState& state) {
         const std::string first = ReadItem(in);
         if (IsListEnd(first)) break;
         ReverseRow row;
-        row.Number = ToInteger32(LeadingNumber(first), "Reverse.lst number");
+        row.Number = ToInteger32(LeadingNumber(first), FieldOf("number", in).c_str());
         if (row.Number < 1) break;
         row.FirstText = ReadItem(in);
         row.SecondText = ReadItem(in);
@@ -80,7 +80,7 @@ void LoadStartupConfig(RunState& state) {
     config.ProgramDir = WithSeparator(Trim(ReadLine(in)));
     config.DataDir = WithSeparator(Trim(ReadLine(in)));
     config.ProjectDir = WithSeparator(Trim(ReadLine(in)));
-    config.MachineNumber = TextToInteger16(Trim(ReadLine(in)), "MachineNumber");
+    config.MachineNumber = TextToInteger16(Trim(ReadLine(in)), "MachineNumber", in);
     if (config.MachineNumber < 1) config.MachineNumber = 1;
     config.ProjectName = Trim(ReadLine(in));
     // No absolute paths for the project: it lies under the machine's folder.

@@ -352,6 +352,13 @@ TEST(MachineStations, AnEmptyFirstItemOrTheEndOfTheFileEndsTheList) {
     EXPECT_EQ(Load(in).Machine.ToolStations, (std::vector<int16_t>{2, 1, 2}));
 }
 
+TEST(MachineStations, ANumberBeyondSixteenBitsIsAnOverflowFaultNamingTheFile) {
+    Installation in;
+    MachineInstallation(in, "10");
+    in.MachineFile("M1", "stn", {"1,\"A\",0,0,0,40000", "******"});
+    EXPECT_EQ(FaultOfLoad(in), "Overflow: ToolCount of " + in.Data + "\\Data\\M1.stn 40000");
+}
+
 TEST(MachineStations, ImperialOffsetsAreConvertedToMillimetres) {
     Installation in;
     MachineInstallation(in, "10");

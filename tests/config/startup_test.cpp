@@ -87,7 +87,7 @@ TEST(StartupConfig, MachineNumberBeyondSixteenBitsIsAnOverflowFault) {
         FAIL();
     } catch (const RunEnd& end) {
         EXPECT_EQ(end.Status, ExitFault);
-        EXPECT_NE(end.Text.find("Overflow"), std::string::npos);
+        EXPECT_EQ(end.Text, "Overflow: MachineNumber of " + in.Start + "\\Torvanex.cfg 40000");
     }
 }
 
