@@ -15,14 +15,18 @@ namespace tvx {
 struct TurretTool {
     int32_t ToolNumber = 0;
     int16_t Size = 0;
-    int16_t Station = 0;     // number of the station, 0 to 64
-    std::string ToolText1;   // the station's label (PostText[26])
-    std::string ToolText2;   // the station's code text (PostText[25])
-    int16_t Kind = 0;        // Kind of its station in the .stn table
-    bool Loaded = false;     // true for each record read from the file
+    int16_t Station = 0;
+    std::string ToolText1;
+    std::string ToolText2;
+    int16_t Kind = 0;
+    bool Loaded = false;
 };
 
 // ---- Configuration: start-up file, machine table, directories -------------------------------
+
+// TurretTool as the turret file (.trt) fills it: Station is the station's number (0 to 64),
+// ToolText1 the station's label (PostText[26]), ToolText2 its code text (PostText[25]), Kind
+// the Kind of that station in the station table, Loaded true for each record read.
 
 // A row of Machine.lst. Element 0 of the table holds the count in Number.
 struct MachineRow {
@@ -87,7 +91,7 @@ struct MaterialRecord {
     float Field13 = 0;
     float Field21 = 0, Field22 = 0;
     int16_t Field23 = 0;
-    ToolSpec Tool;              // field 31, a tool string; empty unless a usable cutting tool
+    ToolSpec Tool;              // field 31, a tool string; empty unless a punch with real sizes
 };
 
 // A record of the tool defaults file (.dft), kept as its 49 bytes.
