@@ -140,14 +140,18 @@ bool WildcardMatch(std::string_view pattern, std::string_view name) {
     return pi == p.size();
 }
 
-std::vector<std::string> ListFiles(std::string_view directory, std::string_view pattern) {
+namespace {
+
+// Entries of a directory that match a pattern, files or directories, sorted by name without
+// regard to case.
+std::vector<std::string> ListEntries(std::string_view directory, std::string_view pattern, bool directories) {
     std::vector<std::string> names;
     std::error_code ec;
     const std::string dir = FindPath(directory);
     fs::directory_iterator it(dir.empty() ? fs::path(".") : fs::path(dir), ec);
     if (ec) return names;
     for (const auto& entry : it) {
-        if (!entry.is_regular_file(ec)) continue;
+        if (directories ? !entry.is_directory(ec) : !entry.is_regular_file(ec)) continue;
         const std::string name = entry.path().filename().string();
         if (WildcardMatch(pattern, name)) names.push_back(name);
     }
@@ -156,6 +160,16 @@ std::vector<std::string> ListFiles(std::string_view directory, std::string_view 
         return ua != ub ? ua < ub : a < b;
     });
     return names;
+}
+
+}  // namespace
+
+std::vector<std::string> ListFiles(std::string_view directory, std::string_view pattern) {
+    return ListEntries(directory, pattern, false);
+}
+
+std::vector<std::string> ListDirectories(std::string_view directory, std::string_view pattern) {
+    return ListEntries(directory, pattern, true);
 }
 
 void RenameFile(std::string_view from, std::string_view to) {

@@ -26,6 +26,9 @@ void MakeDirectory(std::string_view path);
 // The names (not paths) of the files in a directory that match a wildcard pattern of '*'
 // and '?', compared without regard to case, in name order.
 std::vector<std::string> ListFiles(std::string_view directory, std::string_view pattern);
+// The names of the subdirectories of a directory that match a wildcard pattern, in the same
+// order as ListFiles. A directory that cannot be listed gives no names.
+std::vector<std::string> ListDirectories(std::string_view directory, std::string_view pattern);
 // Renames a file, replacing the destination.
 void RenameFile(std::string_view from, std::string_view to);
 // True when a wildcard pattern matches a name, without regard to case.

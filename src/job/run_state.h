@@ -7,6 +7,7 @@
 
 #include "definition/engine_state.h"
 #include "definition/tables.h"
+#include "drawing/record.h"
 
 namespace tvx {
 
@@ -20,6 +21,81 @@ struct TurretTool {
     int16_t Kind = 0;
     bool Loaded = false;
 };
+
+// ---- Configuration: start-up file, machine table, directories -------------------------------
+
+// TurretTool as the turret file (.trt) fills it: Station is the station's number (0 to 64),
+// ToolText1 the station's label (PostText[26]), ToolText2 its code text (PostText[25]), Kind
+// the Kind of that station in the station table, Loaded true for each record read.
+
+// A row of Machine.lst. Element 0 of the table holds the count in Number.
+struct MachineRow {
+    int32_t Number = 0;
+    std::string MachineMaker;
+    std::string MachineDirName;
+    std::string MachineModel;
+    std::string MachineNote;
+};
+
+// A row of Reverse.lst. Element 0 of the table holds the count in Number.
+struct ReverseRow {
+    int32_t Number = 0;
+    std::string FirstText;
+    std::string SecondText;
+};
+
+struct ConfigState {
+    // Directory that holds Torvanex.cfg: empty for the process's current directory.
+    std::string StartDir;
+    // Lines 1 to 3 of Torvanex.cfg, each with a trailing separator. WorkDir (in JobState) is a
+    // copy of ProgramDir.
+    std::string ProgramDir, DataDir, ProjectDir;
+    std::string RevSubsDir;  // DataDir + "RevSubs\"
+    std::string DriveRoot;   // first three characters of WorkDir, trimmed
+    int16_t MachineNumber = 1;
+    std::string ProjectName;
+    std::string CurrentProjectPath;  // ProjectPath of the machine's folder and ProjectName
+    std::vector<MachineRow> MachineList{MachineRow{}};
+    bool FullInstall = false;
+    bool ReverseInstall = false;
+    std::vector<ReverseRow> ReverseList{ReverseRow{}};
+};
+
+// ---- Machine files: stations, lengths -----------------------------------------------------
+
+// A cell of the station table (.stn), cells 0 to 64, indexed by the station number.
+struct StationCell {
+    int16_t Number = 0;
+    std::string Name;        // cut to 18 characters
+    int16_t Kind = 0;        // 1 to 9: a special station
+    float OffsetX = 0;       // millimetres
+    float OffsetY = 0;
+    int16_t ToolCount = 0;   // below 1: the station is empty
+};
+
+// A pair of lengths of the .mch file (lines 24 onward).
+struct LengthPair {
+    float First = 0;
+    float Second = 0;
+};
+
+// ---- Material: the current material's record (.mtl), fields by their numbers -------------
+
+struct MaterialRecord {
+    std::string Name;           // field 0: the material's name, "Default" for the fallback
+    int16_t Field1 = 0;
+    float Field2 = 0, Field3 = 0, Field4 = 0;
+    std::string Field5;
+    std::string Field11;        // the tool library's name
+    float Field12 = 0;          // 1000 on a combo machine
+    float Field13 = 0;
+    float Field21 = 0, Field22 = 0;
+    int16_t Field23 = 0;
+    ToolSpec Tool;              // field 31, a tool string; empty unless a punch with real sizes
+};
+
+// A record of the tool defaults file (.dft), kept as its 49 bytes.
+using ToolDefaultRecord = std::array<unsigned char, 49>;
 
 // The job's files and texts.
 struct JobState {
@@ -36,6 +112,50 @@ struct JobState {
 struct MachineState {
     std::string MachineStem;  // ends with a dot
     std::vector<TurretTool> TurretTools{TurretTool{}};
+
+    // ---- Machine configuration (row of Machine.lst, per-machine paths, machine files) ----
+    std::string MachineMaker, MachineDirName, MachineModel, MachineNote;
+    std::string MaterialDir, ShapesDir, CustomDir, UndefinedDir;
+    // .msr
+    bool ImperialUnits = false;
+    bool ImperialOutput = false;  // the emitters' copy of ImperialUnits
+    // .mch
+    int16_t MachineKind = 0;
+    bool IsToolMachine = false;     // kind 10 up to below 40
+    bool IsComboMachine = false;    // kind 40 up to below 50
+    bool IsProfileMachine = false;  // kind not a multiple of 10 and below 40
+    int16_t StationCount = 0;
+    int16_t TurnSense = 0;
+    // Lengths of the .mch file by line number (lines 5 to 13, 15 to 20, 22, 23), millimetres.
+    std::array<float, 24> MachineLengths{};
+    bool MachineFlag14 = false;     // line 14 is "YES"
+    int16_t PairCount = 0;
+    std::array<LengthPair, 4> LengthPairs{};  // 1 to 3
+    // .prm
+    bool ParametersOn = false;
+    // .cms and the maker's name
+    std::string ControlName;        // line 1 of .cms, upper case
+    int16_t IntermotionKind = 0;
+    bool WestinghouseControl = false;
+    bool ViprosMaker = false;
+    bool RainMaker = false;
+    bool BehrensMaker = false;
+    bool TrumfMaker = false;
+    bool PullmaxMaker = false;
+    bool LvdMaker = false;
+    // .stn
+    std::array<StationCell, 65> StationTable{};
+    std::vector<int16_t> ToolStations{0};  // element 0 holds the count
+    int16_t SpecialStation = 0;
+    std::string SpecialStationName;
+
+    // ---- Material and tool library ----
+    MaterialRecord Material;        // the current material
+    float MaterialField13 = 0;      // field 13 of the current material, for the job
+    std::string ToolLibrary;        // name of the tool library
+    std::string ToolsStem;          // DataDir + "Tools\" + MachineDirName + "\" + library + "."
+    std::string TurretsStem;        // DataDir + "Turrets\" + MachineDirName + "\" + library + "."
+    std::array<ToolDefaultRecord, 5> ToolDefaults{};  // 1 to 4
 };
 
 // The generation loop's own registers.
@@ -47,6 +167,8 @@ struct RunState {
     JobState Job;
     MachineState Machine;
     LoopState Loop;
+    // ---- Configuration ----
+    ConfigState Config;
 };
 
 }  // namespace tvx

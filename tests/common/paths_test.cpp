@@ -82,3 +82,17 @@ TEST(Paths, WritingFindsAnExistingFileOfOtherCase) {
     EXPECT_EQ(ListFiles(dir.Path, "*").size(), 1u);
     EXPECT_EQ(ReadAllLines(dir.Path + "/Job.txt").at(0), "second");
 }
+TEST(Paths, ListDirectoriesGivesSubdirectoriesOnlyInNameOrder) {
+    TempDir dir;
+    MakeDirectory(dir.Path + "/Zeta");
+    MakeDirectory(dir.Path + "/alpha");
+    MakeDirectory(dir.Path + "/Beta");
+    WriteAllLines(dir.Path + "/Aaa.txt", {});
+    const auto names = ListDirectories(dir.Path, "*");
+    ASSERT_EQ(names.size(), 3u);
+    EXPECT_EQ(names[0], "alpha");
+    EXPECT_EQ(names[1], "Beta");
+    EXPECT_EQ(names[2], "Zeta");
+    EXPECT_EQ(ListDirectories(dir.Path, "b*").size(), 1u);
+    EXPECT_TRUE(ListDirectories(dir.Path + "/none", "*").empty());
+}
