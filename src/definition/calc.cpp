@@ -1,121 +1,214 @@
-// Stand-in until the evaluator of its own branch arrives.
 #include "definition/calc.h"
 
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+
+#include "common/fault.h"
 #include "common/numeric.h"
 #include "common/numtext.h"
 #include "job/run_state.h"
 
 namespace tvx {
+namespace {
+
+// The three table letters of an expression, in the order in which an operator resolves them.
+enum Reference { RefV = 0, RefP = 1, RefM = 2, RefCount = 3 };
+
+// The cell number of a reference: the leading number of the characters collected behind the
+// letter, rounded with halves to even. Nothing collected is cell 0.
+int32_t CellNumber(const std::string& digits) { return ToInteger32(LeadingNumber(digits), "cell number"); }
+
+// A number of a text cell taken as a single. A number beyond the single's range cannot be
+// stored in one: that is an overflow of the run, as for any other conversion.
+float TextCellSingle(double value) {
+    if (!(std::fabs(value) <= static_cast<double>(FLT_MAX)))
+        RunFault("Overflow: single " + Trim(PlainText(value)));
+    return ToSingle(value);
+}
+
+// The plain text of the referenced cell, with its leading blank for a value that is not
+// negative. The text table V gives the plain text of its cell's leading number.
+std::string CellText(RunState& state, Reference reference, const std::string& digits) {
+    const int32_t cell = CellNumber(digits);
+    switch (reference) {
+        case RefP: return PlainText(state.Tables.PostParam[cell]);
+        case RefM: return PlainText(state.Tables.PostMachine[cell]);
+        default: return PlainText(TextCellSingle(LeadingNumber(state.Tables.PostUserText[cell])));
+    }
+}
+
+bool IsCalcOperator(char c) { return c == '/' || c == '*' || c == '-' || c == '+' || c == '(' || c == ')'; }
+
+bool IsDigitOrPoint(char c) { return (c >= '0' && c <= '9') || c == '.'; }
+
+// What the evaluator keeps of an expression: digits, the point, the operators and the
+// parentheses. Everything else falls out and separates nothing ("12A3" is 123).
+bool IsKeptCharacter(char c) { return IsDigitOrPoint(c) || IsCalcOperator(c); }
+
+[[noreturn]] void CalcOverflow(const std::string& expr) { RunFault("Overflow: CALC " + expr); }
+
+}  // namespace
 
 void SubstituteCalc(RunState& state, std::string& expr) {
     const std::string text = Upper(expr);
     std::string result;
-    char flag = 0;
-    std::string buffer;
-    auto resolve = [&] {
-        if (flag == 0) return;
-        const int32_t n = ToInteger32(LeadingNumber(buffer), "CALC cell");
-        if (flag == 'V') result += PlainText(ToSingle(LeadingNumber(state.Tables.PostUserText[n])));
-        else if (flag == 'P') result += PlainText(state.Tables.PostParam[n]);
-        else result += PlainText(state.Tables.PostMachine[n]);
-        buffer.clear();
+    bool on[RefCount] = {false, false, false};
+    // A buffer is emptied only when its reference is resolved: a reference that another letter
+    // cuts off keeps its characters for the next reference of the same letter.
+    std::string digits[RefCount];
+
+    const auto resolve = [&](int reference) {
+        result += CellText(state, static_cast<Reference>(reference), digits[reference]);
+        digits[reference].clear();
     };
-    for (char c : text) {
+
+    for (const char c : text) {
         if (c == 'V' || c == 'P' || c == 'M') {
-            if (flag != c) { resolve(); }
-            flag = c;
-        } else if (c == '/' || c == '*' || c == '-' || c == '+' || c == '(' || c == ')') {
-            resolve();
-            flag = 0;
-        } else if (flag != 0) {
-            buffer += c;
+            const int now = c == 'V' ? RefV : (c == 'P' ? RefP : RefM);
+            for (int r = 0; r < RefCount; ++r) on[r] = r == now;
+        } else if (IsCalcOperator(c)) {
+            for (int r = 0; r < RefCount; ++r) {
+                if (on[r]) resolve(r);
+                on[r] = false;
+            }
+        } else {
+            for (int r = 0; r < RefCount; ++r)
+                if (on[r]) digits[r] += c;
         }
-        if (flag == 0 && c != ' ') result += c;
+        // While no reference is in progress the character itself stands in the result;
+        // blanks of the expression are left out (those of a cell's text stay).
+        if (!on[RefV] && !on[RefP] && !on[RefM] && c != ' ') result += c;
     }
-    resolve();
+    for (int r = 0; r < RefCount; ++r)
+        if (on[r]) resolve(r);
     expr = result;
 }
 
 std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
     std::string text;
-    for (char c : expr)
-        if ((c >= '0' && c <= '9') || c == '.' || c == '+' || c == '-' || c == '*' || c == '/' || c == '(' || c == ')')
-            text += c;
-    for (int round = 0; round < 10000; ++round) {
-        int opens = 0, closes = 0;
-        for (char c : text) {
-            if (c == '(') ++opens;
-            if (c == ')') ++closes;
+    for (const char c : expr)
+        if (IsKeptCharacter(c)) text += c;
+
+    // Each round works the last "(" and its group, or, when no parenthesis is left, the whole
+    // text. A round of a group takes away that "(" and so the rounds come to an end.
+    for (;;) {
+        size_t opens = 0;
+        size_t closes = 0;
+        size_t lastOpen = std::string::npos;
+        for (size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '(') {
+                ++opens;
+                lastOpen = i;
+            } else if (text[i] == ')') {
+                ++closes;
+            }
         }
         if (opens != closes) {
             state.Engine.MathError = true;
             return std::nullopt;
         }
-        const size_t lastOpen = text.rfind('(');
-        std::string head, tail;
-        size_t start = 0, end = text.size();
-        if (lastOpen != std::string::npos) {
-            const size_t close = text.find(')', lastOpen);
-            if (close == std::string::npos) {
-                state.Engine.MathError = true;
-                return std::nullopt;
-            }
+
+        const bool grouped = lastOpen != std::string::npos;
+        std::string head;
+        std::string tail;
+        size_t start = 0;
+        if (grouped) {
             head = text.substr(0, lastOpen);
-            tail = text.substr(close + 1);
+            // The group ends at the first ")" behind its "(". When every ")" stands in front of
+            // the last "(" (as in ")("), the group runs to the end of the text and nothing
+            // follows it; the "(" taken away leaves the counts unequal for the next round,
+            // which then ends in the fault of unbalanced parentheses.
+            const size_t close = text.find(')', lastOpen);
+            if (close != std::string::npos) tail = text.substr(close + 1);
             start = lastOpen + 1;
-            end = close;
         }
-        double operand[2] = {0, 0};
-        char op[2] = {0, 0};
+
+        // Operand 1 has no value until the first number of the round is taken: a round that
+        // meets no number leaves it without one.
+        std::optional<double> operand1;
+        double operand2 = 0;
+        // The operator cell of an operand holds the operator that follows that operand.
+        char operators[2] = {0, 0};
         int count = 0;
         std::string number;
-        bool lastNumber = false;
-        for (size_t i = start; i < end; ++i) {
+        bool inNumber = false;
+        bool lastWasNumber = false;
+
+        for (size_t i = start; i < text.size(); ++i) {
             const char c = text[i];
-            bool inNumber = true;
-            if ((c >= '0' && c <= '9') || c == '.') {
+            bool stop = false;
+            if (IsDigitOrPoint(c)) {
                 number += c;
-                lastNumber = true;
-            } else if (c == '-' && !lastNumber) {
-                number += c;
-                lastNumber = true;
+                inNumber = lastWasNumber = true;
+            } else if (c == '-') {
+                if (lastWasNumber) {
+                    operators[count] = c;
+                    inNumber = lastWasNumber = false;
+                } else {
+                    // A sign: it joins the number as a digit does ("--5" is the empty number
+                    // minus 5, "5--2" is 5 minus -2).
+                    number += c;
+                    inNumber = lastWasNumber = true;
+                }
+            } else if (c == '*' || c == '/' || c == '+') {
+                operators[count] = c;
+                inNumber = lastWasNumber = false;
             } else {
-                op[count] = c;
+                // The ")" that ends the group. The text of a group's value put back into the
+                // expression by an earlier round may hold the letter of an exponent ("1E+15"):
+                // it stops the scan in the same way, since nothing takes it out again.
                 inNumber = false;
-                lastNumber = false;
+                stop = true;
             }
-            if (i + 1 == end) inNumber = false;
+            if (i + 1 == text.size()) inNumber = false;
+
             if (!number.empty() && !inNumber) {
-                operand[count++] = LeadingNumber(number);
+                const double value = LeadingNumber(number);
                 number.clear();
+                ++count;
+                if (count == 1) operand1 = value;
+                else operand2 = value;
             }
             if (count == 2) {
-                const double a = operand[0], b = operand[1];
-                switch (op[0]) {
-                    case '+': operand[0] = a + b; break;
-                    case '-': operand[0] = a - b; break;
-                    case '*': operand[0] = a * b; break;
+                double result = *operand1;
+                switch (operators[0]) {
+                    case '+': result = *operand1 + operand2; break;
+                    case '-': result = *operand1 - operand2; break;
+                    case '*': result = *operand1 * operand2; break;
                     case '/':
-                        if (b == 0) {
+                        if (operand2 == 0) {
                             state.Engine.MathError = true;
                             return std::nullopt;
                         }
-                        operand[0] = a / b;
+                        result = *operand1 / operand2;
                         break;
-                    default: break;
+                    default: break;  // never without an operator: a second number needs one
                 }
-                op[0] = op[1];
+                if (!std::isfinite(result)) CalcOverflow(expr);
+                operand1 = result;
+                operators[0] = operators[1];
                 count = 1;
             }
+            if (stop) break;
         }
-        if (lastOpen == std::string::npos) return operand[0];
-        std::string value = NumberText(operand[0], -1);
-        if (value.find('E') != std::string::npos || value.find('D') != std::string::npos)
-            value = NumberText(RoundTo(operand[0], 5), -1);
-        text = head + value + tail;
+
+        // The value goes back into the expression as its free-form text. A text with an
+        // exponent makes the value rounded to 5 decimals and its text made anew; the rounded
+        // value is also what a last round returns. A round without any number puts back no
+        // text at all: an empty group vanishes.
+        std::string valueText;
+        if (operand1) {
+            valueText = NumberText(*operand1, -1);
+            if (Holds(valueText, "E") || Holds(valueText, "D")) {
+                operand1 = RoundTo(*operand1, 5);
+                valueText = NumberText(*operand1, -1);
+            }
+        }
+        text = head + valueText + tail;
+
+        if (!grouped) return operand1;
     }
-    state.Engine.MathError = true;
-    return std::nullopt;
 }
 
 }  // namespace tvx

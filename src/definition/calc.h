@@ -1,5 +1,8 @@
 #pragma once
-// CALC expressions of word lines.
+// CALC expressions of the definition: [CALC=expr] and [SETCALC=expr]. The evaluator has no
+// operator precedence: the four operators are applied strictly from left to right, groups are
+// worked from the innermost last one outwards, and each group's value goes back into the
+// expression as text. Definitions rely on exactly this, so it must stay as it is.
 #include <optional>
 #include <string>
 
@@ -7,9 +10,15 @@ namespace tvx {
 
 struct RunState;
 
-// Replaces the table references (Pn, Mn, Vn) of an expression by their number texts.
+// Replaces the table references of an expression by the plain text of the cells: Pn and Mn
+// by the single of PostParam and PostMachine, Vn by the leading number of the PostUserText
+// cell's text, as a single. The expression comes back in upper case. A cell number beyond a
+// table's bound is a fault of the run.
 void SubstituteCalc(RunState& state, std::string& expr);
-// Evaluates an expression strictly from left to right; nothing on a fault.
+
+// The value of a substituted expression, or no value on a fault (unbalanced parentheses, a
+// division by zero) or for an expression without any number. A fault sets MathError, which
+// nothing ever clears.
 std::optional<double> EvaluateCalc(RunState& state, const std::string& expr);
 
 }  // namespace tvx

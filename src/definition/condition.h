@@ -1,13 +1,18 @@
 #pragma once
-// The condition of "=TRUE IF [condition]".
+// The condition of a reserved-word line: "=TRUE IF [P9=11]". One comparison of a table value
+// with a number or another table value; there is no "and" or "or".
 #include <string>
 
 namespace tvx {
 
 struct RunState;
 
-// Tests the condition in the first square brackets of a line; the line comes back in upper
-// case. A line with no "[" ends the run with "<line> case not found in definition".
+// The truth of the condition between the first "[" of the line and the next "]". The line
+// comes back in upper case. A line without "[" ends the run with the message
+// "<LINE> case not found in definition". In a condition the letter V stands for the numeric
+// PostVar, not for the text table. Both sides are compared through the seven-digit text of
+// the single, so 100.00001 equals 100. A cell number beyond a table's bound is a fault of
+// the run.
 bool EvaluateCondition(RunState& state, std::string& line);
 
 }  // namespace tvx
