@@ -18,10 +18,26 @@
 namespace tvx {
 namespace {
 
-constexpr std::array<const char*, 4> LayoutNames = {"TURRET_LAYOUT", "TOOL_LAYOUT", "REPORT_LAYOUT", "TIME_LAYOUT"};
-constexpr std::array<const char*, 7> DeferredNames = {"BLOCK_NUMBER1",    "BLOCK_NUMBER2", "BLOCK_MEMO_SET",
-                                                      "BLOCK_MEMO_RESET", "BLOCK_SUB_NUMBER", "RESET_PUNCH",
-                                                      "INCREMENT_SUB"};
+constexpr std::array<std::string_view, 4> LayoutNames = {"TURRET_LAYOUT", "TOOL_LAYOUT", "REPORT_LAYOUT",
+                                                          "TIME_LAYOUT"};
+constexpr std::array<std::string_view, 7> DeferredNames = {"BLOCK_NUMBER1",    "BLOCK_NUMBER2",    "BLOCK_MEMO_SET",
+                                                           "BLOCK_MEMO_RESET", "BLOCK_SUB_NUMBER", "RESET_PUNCH",
+                                                           "INCREMENT_SUB"};
+
+// The number of a layout tag (1 to 4), or 0.
+int LayoutNumber(const std::string& tag) {
+    if (tag.size() < 11 || tag.size() > 13) return 0;
+    for (size_t i = 0; i < LayoutNames.size(); ++i)
+        if (tag == LayoutNames[i]) return static_cast<int>(i) + 1;
+    return 0;
+}
+
+bool IsDeferredName(const std::string& tag) {
+    if (tag.size() < 11 || tag.size() > 16) return false;
+    for (const auto name : DeferredNames)
+        if (tag == name) return true;
+    return false;
+}
 
 // A 16-bit counter of the line interpreter: one more, and the fault "Overflow" past 32767.
 void CountUp(int16_t& counter, const char* what) {
@@ -75,13 +91,13 @@ void SearchWordLine(RunState& state, const std::string& word) {
     if (stop == stops.end()) {
         // End of the file: once more from the top, and a second end ends the search.
         if (stops.empty()) {
-            if (text.LineCount() > 0) e.PostWordLine = std::string(text.Line(text.LineCount() - 1));
+            if (text.LineCount() > 0) e.PostWordLine.assign(text.Line(text.LineCount() - 1));
             in.Pos = text.Data->size();
             return;
         }
         stop = stops.begin();
     }
-    e.PostWordLine = std::string(text.Line(stop->Line));
+    e.PostWordLine.assign(text.Line(stop->Line));
     in.Pos = text.After(stop->Line);
     if (stop->Unparsable)
         RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
@@ -110,7 +126,6 @@ void EvaluateWord(RunState& state, std::string word) {
     SearchWordLine(state, word);
     TextInput& in = e.WordInput;
     PostValueType index = TextValue("");
-    const std::string what = "word " + word;
 
     for (;;) {
         std::string field;
@@ -139,16 +154,16 @@ void EvaluateWord(RunState& state, std::string word) {
             ApplyFormat(state, formatText);
         } else {
             e.FormatNOP = false;
-            e.PostValue = TextValue(PlainNumberText(e.PostValue, what));
+            e.PostValue = TextValue(PlainNumberText(e.PostValue, word));
         }
 
         if (Holds(line, "SETCALC=")) {
             if (e.TableLetter == "P") {
-                t.PostParam[CellNumber(index, "PostParam cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+                t.PostParam[CellNumber(index, "PostParam cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
             } else if (e.TableLetter == "M") {
-                t.PostMachine[CellNumber(index, "PostMachine cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+                t.PostMachine[CellNumber(index, "PostMachine cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
             } else if (e.TableLetter == "V") {
-                t.PostVar[CellNumber(index, "PostVar cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+                t.PostVar[CellNumber(index, "PostVar cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
             } else if (e.TableLetter == "S") {
                 t.PostText[CellNumber(index, "PostText cell")] = ValueAsText(e.PostValue);
             }
@@ -188,7 +203,7 @@ void EvaluateWord(RunState& state, std::string word) {
 
         // The word's further lines follow directly, each with the word in column 1.
         if (AtEnd(in)) break;
-        e.PostWordLine = ReadLine(in);
+        ReadLine(in, e.PostWordLine);
         bool unparsable = false;
         if (!IsWordLine(e.PostWordLine, word, unparsable)) {
             if (unparsable)
@@ -232,7 +247,8 @@ void WriteReservedBlock(RunState& state) {
 
         const bool deferredActive = !e.RenumberMode;
         if (!e.RenumberMode) e.FieldCount = 1;
-        const std::string line = e.PostDefLine;
+        // The line is not changed while it is read: tags and layouts work on other registers.
+        const std::string& line = e.PostDefLine;
         const bool alignable = line.find('@') != std::string::npos;
 
         for (size_t i = 0; i < line.size(); ++i) {
@@ -263,17 +279,14 @@ void WriteReservedBlock(RunState& state) {
             } else if (c == '[') {
                 inTag = true;
             } else if (c == ']') {
-                const auto layout = std::find(LayoutNames.begin(), LayoutNames.end(), tag);
-                if (layout != LayoutNames.end()) {
+                if (const int layout = LayoutNumber(tag); layout != 0) {
                     // The rest of the line falls into the tag buffer and is lost.
-                    e.LayoutMode = static_cast<int16_t>(layout - LayoutNames.begin() + 1);
+                    e.LayoutMode = static_cast<int16_t>(layout);
                     OpenDefinitionInput(state, ChannelSequence, state.Job.SeqFile);
                     ReadLine(e.SequenceInput);
                     continue;
                 }
-                const bool deferred =
-                    deferredActive ? std::find(DeferredNames.begin(), DeferredNames.end(), tag) != DeferredNames.end()
-                                   : tag.empty();
+                const bool deferred = deferredActive ? IsDeferredName(tag) : tag.empty();
                 if (deferred) {
                     e.PostLine += "[" + tag + "]";
                 } else if (align == 1) {

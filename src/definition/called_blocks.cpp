@@ -47,7 +47,7 @@ void ReadDefinitionLine(RunState& state, std::string& line) {
     EngineState& e = state.Engine;
     SelectDefinitionLevel(state, line);
     for (;;) {
-        line = ReadLine(InputChannel(state, e.PostChannel));
+        ReadLine(InputChannel(state, e.PostChannel), line);
         // The end-of-file mark of paper-tape programs.
         if (line.find('\xE2') != std::string::npos) line = std::string(1, '\x1A');
         const size_t call = line.find("[CALL ");

@@ -87,25 +87,27 @@ std::string ValueAsText(const PostValueType& value) {
     return value.Text;
 }
 
-double ValueAsNumber(const PostValueType& value, const std::string& what) {
+double ValueAsNumber(const PostValueType& value, std::string_view what) {
     if (value.Type != PostValueType::Kind::Text) return value.Number;
     if (value.Text.empty()) return 0;
-    if (!IsNumericText(value.Text)) RunFault("Type mismatch: \"" + value.Text + "\" is not a number (" + what + ")");
+    if (!IsNumericText(value.Text)) RunFault("Type mismatch: \"" + value.Text + "\" is not a number (" + std::string(what) + ")");
     return LeadingNumber(value.Text);
 }
 
-PostValueType ValueAsNumberValue(const PostValueType& value, const std::string& what) {
+PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view what) {
     if (value.Type != PostValueType::Kind::Text) return value;
     return DoubleValue(ValueAsNumber(value, what));
 }
 
-std::string PlainNumberText(const PostValueType& value, const std::string& what) {
+std::string PlainNumberText(const PostValueType& value, std::string_view what) {
     if (value.Type == PostValueType::Kind::Single) return TrimLeft(PlainText(static_cast<float>(value.Number)));
     return TrimLeft(PlainText(ValueAsNumber(value, what)));
 }
 
-int32_t CellNumber(const PostValueType& index, const std::string& what) {
-    return ToInteger32(ValueAsNumber(index, what), what.c_str());
+int32_t CellNumber(const PostValueType& index, std::string_view what) {
+    const std::string name(what);
+    if (index.Type != PostValueType::Kind::Text) return ToInteger32(index.Number, name.c_str());
+    return ToInteger32(ValueAsNumber(index, what), name.c_str());
 }
 
 }  // namespace tvx

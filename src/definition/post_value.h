@@ -29,15 +29,15 @@ bool IsNumericText(std::string_view text);
 std::string ValueAsText(const PostValueType& value);
 // The value as a number: a number stays; an empty text is 0; a text that is a whole number is
 // read by its leading number; any other text is the fault "Type mismatch", naming `what`.
-double ValueAsNumber(const PostValueType& value, const std::string& what);
+double ValueAsNumber(const PostValueType& value, std::string_view what);
 // The same for a number that keeps its precision: a single stays a single, a text becomes a
 // double.
-PostValueType ValueAsNumberValue(const PostValueType& value, const std::string& what);
+PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view what);
 // The plain number text without the leading blank.
-std::string PlainNumberText(const PostValueType& value, const std::string& what);
+std::string PlainNumberText(const PostValueType& value, std::string_view what);
 
 // A cell number: the value rounded to an integer, halves to the even neighbour. A text that
 // is not a number is the fault "Type mismatch".
-int32_t CellNumber(const PostValueType& index, const std::string& what);
+int32_t CellNumber(const PostValueType& index, std::string_view what);
 
 }  // namespace tvx

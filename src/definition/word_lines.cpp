@@ -188,7 +188,8 @@ void ApplyFormat(RunState& state, std::string& format) {
     PostValueType& value = e.PostValue;
     format = Upper(format);
     const std::string whole = format;
-    const std::string what = "format " + whole;
+    // Names the format in the message of a fault.
+    const std::string_view what = whole;
     if (TakeFormatFlag(format, "NTZ")) e.FormatNTZ = true;
     if (TakeFormatFlag(format, "ABS")) e.FormatABS = true;
     if (TakeFormatFlag(format, "NEG")) e.FormatNEG = true;
@@ -210,10 +211,10 @@ void ApplyFormat(RunState& state, std::string& format) {
         const size_t open = format.find('(');
         const size_t close = format.find(')');
         if (open != std::string::npos && close != std::string::npos) {
-            if (close < open) RunFault("Invalid procedure call: " + what);
+            if (close < open) RunFault("Invalid procedure call: format " + whole);
             int32_t code = 0;
             if (!RoundsIntoInt32(LeadingNumber(format.substr(open + 1, close - open - 1)), code) || code < 0 || code > 255)
-                RunFault("Invalid procedure call: no character of the code in " + what);
+                RunFault("Invalid procedure call: no character of the code in format " + whole);
             value = TextValue(std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
         }
     }
@@ -257,7 +258,7 @@ void ApplyFormat(RunState& state, std::string& format) {
     }
     const double decimals = LeadingNumber(decimalsText);
     if (decimals != -1) {
-        const int32_t places = ToInteger32(decimals, what.c_str());
+        const int32_t places = ToInteger32(decimals, "format");
         const PostValueType& n = number();
         value = TextValue(n.Type == PostValueType::Kind::Single ? NumberText(static_cast<float>(n.Number), places)
                                                                  : NumberText(n.Number, places));
@@ -267,14 +268,14 @@ void ApplyFormat(RunState& state, std::string& format) {
         const std::string text = ValueAsText(value);
         const size_t point = text.find('.');
         const std::string kept = point == std::string::npos ? std::string() : text.substr(point);
-        const int32_t whole32 = TruncToInteger32(ValueAsNumber(value, what), what.c_str());
-        value = TextValue(PadLong(whole32, ToInteger32(pad, what.c_str())) + kept);
+        const int32_t whole32 = TruncToInteger32(ValueAsNumber(value, what), "format");
+        value = TextValue(PadLong(whole32, ToInteger32(pad, "format")) + kept);
     }
     value = TextValue(TrimLeft(ValueAsText(value)));
     if (maxAt != std::string::npos) {
         const std::string countText = maxAt + 4 <= format.size() ? format.substr(maxAt + 4) : std::string();
-        const int32_t count = ToInteger32(LeadingNumber(countText), what.c_str());
-        if (count < 0) RunFault("Invalid procedure call: " + what);
+        const int32_t count = ToInteger32(LeadingNumber(countText), "format");
+        if (count < 0) RunFault("Invalid procedure call: format " + whole);
         if (value.Text.size() > static_cast<size_t>(count)) value.Text.resize(static_cast<size_t>(count));
     }
     if (plain) value = TextValue(NumberText(ValueAsNumber(value, what), -1));
