@@ -179,3 +179,15 @@ TEST(CalledBlocks, SeparatorBehindACallOnLevelZeroEndsTheBlock) {
     rig.CloseAll();
     EXPECT_EQ(rig.Program(), Lines{"S"});
 }
+
+TEST(CalledBlocks, BlockCalledFromACalledBlockReadsTheSecondCopy) {
+    EngineRig rig({"MAIN=TRUE", "[CALL L1]", "******", "L1=TRUE", "[CALL L2]", "one", "******", "L2=TRUE", "two", "******", ""},
+                  {"******"});
+    // Only the second level copy says otherwise: what prints shows which file level 2 read.
+    HoldDefinition(rig.State.Engine.Cache, rig.State.Job.SubFile2,
+                   std::make_shared<const std::string>(
+                       CrLf({"MAIN=TRUE", "x", "******", "L1=TRUE", "x", "******", "L2=TRUE", "two from sb2", "******", ""})));
+    rig.Write("MAIN");
+    rig.CloseAll();
+    EXPECT_EQ(rig.Program(), (Lines{"two from sb2", "one"}));
+}

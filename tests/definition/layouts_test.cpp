@@ -171,3 +171,15 @@ TEST(NextLayoutField, FieldKeepsItsBlanksBeforeTheComma) {
     EXPECT_EQ(field, "RO10 ");
     EXPECT_EQ(NextLayoutField(line, field), 3.0);
 }
+
+TEST(Layouts, TemplateLineTagsAreEvaluatedAsAnyBodyLine) {
+    EngineRig rig({"HEAD=TRUE", "[TOOL_LAYOUT]", "******", ""},
+                  {"SIZE [P60] [FORMAT=D1] [CONV=S]", "KIND [P66=3] [CONV=round]", "******"},
+                  {"TOOL_LAYOUT=TRUE", "A1[SIZE]  [KIND] {x}@L010|", "******"},
+                  {"Title", "A1,RO10,10,0,0,0,0,3,1", "A1,SQ5,5,5,0,0,0,4,1", "******"});
+    Tools(rig.State);
+    rig.Write("HEAD");
+    rig.CloseAll();
+    // Row 2: the inactive KIND leaves the second blank to be folded; @L010 pads to column 8.
+    EXPECT_EQ(rig.Program(), (Lines{"S10.0  round x|", "S5.0    x|"}));
+}

@@ -117,6 +117,17 @@ TEST(TryCommand, ReportAndSubroutineTextGoToStandardError) {
                        "--- subroutine file (progsubs.sub) ---\nSUBROUTINES=TRUE\r\nS1\r\n******\r\n");
 }
 
+TEST(TryCommand, SequenceFileFeedsALayout) {
+    TempDir dir;
+    WriteFileAtomically(dir.Path + "/L.pst", CrLf({"HEAD=TRUE", "[TOOL_LAYOUT]", "******", ""}));
+    WriteFileAtomically(dir.Path + "/L.wrd", CrLf({"TNAME [S27] [CONV=*]", "******"}));
+    WriteFileAtomically(dir.Path + "/L.lyt", CrLf({"TOOL_LAYOUT=TRUE", "A1(T [TNAME])", "******"}));
+    WriteFileAtomically(dir.Path + "/job.seq", CrLf({"Title", "A1,RO10,10,0,0,0,0,3,1", "******"}));
+    const ExeRun run = RunExe(dir, {"try", "--seq", dir.Path + "/job.seq", dir.Path + "/L", "ToolText1[1]=x", "HEAD"});
+    EXPECT_EQ(run.Status, 0) << run.Err;
+    EXPECT_EQ(run.Out, "(T RO10)\r\n");
+}
+
 TEST(ApplyTryItem, CellsAndFlags) {
     RunState state;
     state.Job.ToolTimes.assign(65, {});
