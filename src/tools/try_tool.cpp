@@ -35,7 +35,9 @@ const char* const TryHelp =
     "end does; at the end the closing lines are printed (\"******\" to the subroutine file\n"
     "unless P80 is 1, [CALL SUBROUTINES] if P80 is 2, \"******\" to the program) and the\n"
     "format pass resolves block numbers and deferred tags. PostMachine[100], [101] and their\n"
-    "memos start at 100.\n"
+    "memos start at 100. A layout reads the job sequence given by --seq (Program.seq).\n"
+    "As in a job, a word found only in the last line of the .pst, .wrd or .lyt counts as not\n"
+    "found: end each file with a line such as \"******\".\n"
     "The finished program goes to stdout (CR LF). The report (channel 4), the second program\n"
     "file (channel 18) and the subroutine file (channel 17) go to stderr, each under a\n"
     "heading, when they hold lines. Working files lie in a temporary directory, removed at\n"
@@ -128,6 +130,9 @@ struct TryRun {
     void Closing() {
         OpenSubroutinesOnce();
         EngineState& e = State.Engine;
+        // A job's generation never ends inside a part or a report.
+        SubroutineFlag(false);
+        e.ReportMode = false;
         if (State.Tables.PostParam[80] != 1.0f) WriteLine(e.SubroutineFile, "******");
         if (State.Tables.PostParam[80] == 2.0f) WriteLine(e.ProgramOutput, "[CALL SUBROUTINES]");
         WriteLine(e.ProgramOutput, "******");
