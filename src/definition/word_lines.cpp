@@ -20,7 +20,7 @@ std::string TagText(const std::string& line, size_t open, size_t openLength) {
 
 namespace {
 
-bool IsTextWithNumberEnd(char c) { return c == 'M' || c == 'P' || c == 'V'; }
+bool IsSetTableLetter(char c) { return c == 'M' || c == 'P' || c == 'V'; }
 
 // Takes a format flag out of the format: true when its three letters stand in it, and then
 // their first occurrence is removed.
@@ -346,7 +346,7 @@ void ExecuteSetList(RunState& state, const std::string& list) {
 
     for (size_t i = 0; i < list.size(); ++i) {
         const char c = list[i];
-        if (IsTextWithNumberEnd(c)) {
+        if (IsSetTableLetter(c)) {
             ++step;
             if (step == 4) {
                 carryOut();
