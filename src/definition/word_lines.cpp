@@ -144,10 +144,10 @@ void ReadTagValue(RunState& state, std::string& line, PostValueType& index, Post
     }
 }
 
-bool TestParamEquals(RunState& state, const std::string& spec) {
-    const size_t equals = spec.find('=');
-    const std::string cellText = equals == std::string::npos ? spec : spec.substr(0, equals);
-    std::string numberText = equals == std::string::npos ? std::string() : spec.substr(equals + 1);
+bool TestParamEquals(RunState& state, const std::string& equation) {
+    const size_t equals = equation.find('=');
+    const std::string cellText = equals == std::string::npos ? equation : equation.substr(0, equals);
+    std::string numberText = equals == std::string::npos ? std::string() : equation.substr(equals + 1);
     std::string x;
     for (char c : numberText)
         if (c != '=') x += c;

@@ -13,7 +13,7 @@ struct RunState;
 // `index` and its verdict into `active`; "[IF M" is cut to "[M" in `line` itself.
 void ReadTagValue(RunState& state, std::string& line, PostValueType& index, PostValueType& value, bool& active);
 // "n=x": true when x as a single equals PostParam cell n exactly.
-bool TestParamEquals(RunState& state, const std::string& spec);
+bool TestParamEquals(RunState& state, const std::string& equation);
 // "MaMb...": true when any of the listed PostMachine cells differs from its memo by half a
 // thousandth or more.
 void AnyMachineChanged(RunState& state, const std::string& list, bool& result);

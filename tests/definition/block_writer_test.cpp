@@ -12,11 +12,11 @@ using namespace tvx;
 
 namespace {
 
-const std::vector<std::string> WorkedPst = {"CANNED_PUNCH=TRUE", "[BLOCK_NUMBER1][X_AXIS][Y_AXIS]", "******"};
-const std::vector<std::string> WorkedWrd = {"BLOCK_NUMBER1 [P1] [FORMAT=D0] [CONV=N]", "X_AXIS [M1] [FORMAT=D3] [CONV=X]",
+const std::vector<std::string> PunchPst = {"CANNED_PUNCH=TRUE", "[BLOCK_NUMBER1][X_AXIS][Y_AXIS]", "******"};
+const std::vector<std::string> PunchWrd = {"BLOCK_NUMBER1 [P1] [FORMAT=D0] [CONV=N]", "X_AXIS [M1] [FORMAT=D3] [CONV=X]",
                                             "Y_AXIS [M2] [FORMAT=D3] [CONV=Y]"};
 
-void SetWorkedValues(RunState& state) {
+void SetPunchValues(RunState& state) {
     ValueTables& t = state.Tables;
     t.PostMachine[1] = 10.5f;
     t.PostMemo[1] = 10.5f;
@@ -43,9 +43,9 @@ std::vector<std::string> WithEnd(std::vector<std::string> lines) {
 
 }  // namespace
 
-TEST(WorkedExample, NormalPassDefersTheBlockNumberAndSilencesTheUnchangedAxis) {
-    EngineRig rig(WorkedPst, WithEnd(WorkedWrd));
-    SetWorkedValues(rig.State);
+TEST(PunchBlock, NormalPassDefersTheBlockNumberAndSilencesTheUnchangedAxis) {
+    EngineRig rig(PunchPst, WithEnd(PunchWrd));
+    SetPunchValues(rig.State);
     EXPECT_TRUE(rig.Write("CANNED_PUNCH"));
     rig.CloseAll();
     EXPECT_EQ(ReadAllBytes(rig.State.Job.ProgramFile), "[BLOCK_NUMBER1]Y3.000\r\n");
@@ -54,18 +54,18 @@ TEST(WorkedExample, NormalPassDefersTheBlockNumberAndSilencesTheUnchangedAxis) {
     EXPECT_EQ(rig.State.Tables.PostParam[1], 5.0f);
 }
 
-TEST(WorkedExample, RenumberPassPrintsTheBlockNumberAndStepsIt) {
-    EngineRig rig(WorkedPst, WithEnd(WorkedWrd));
-    SetWorkedValues(rig.State);
+TEST(PunchBlock, RenumberPassPrintsTheBlockNumberAndStepsIt) {
+    EngineRig rig(PunchPst, WithEnd(PunchWrd));
+    SetPunchValues(rig.State);
     WriteRenumbered(rig, {"PROGRAM_FORMAT=TRUE", "[BLOCK_NUMBER1]Y3.000", "******"});
     EXPECT_EQ(ReadAllBytes(rig.State.Job.ProgramFile), "N5Y3.000\r\n");
     EXPECT_EQ(rig.State.Tables.PostParam[1], 10.0f);
 }
 
-TEST(WorkedExample, WordFileOfExactlyTheThreeLinesLosesTheLastWord) {
+TEST(PunchBlock, WordFileOfExactlyTheThreeLinesLosesTheLastWord) {
     // Y_AXIS stands in the last line of the .wrd, which counts as not found.
-    EngineRig rig(WorkedPst, WorkedWrd);
-    SetWorkedValues(rig.State);
+    EngineRig rig(PunchPst, PunchWrd);
+    SetPunchValues(rig.State);
     EXPECT_EQ(EngineRig::EndText([&] { rig.Write("CANNED_PUNCH"); }),
               AbortText("Reserved Word - Y_AXIS not found in file " + rig.Path("def.wrd")));
 }

@@ -23,7 +23,7 @@ void Generate(EngineRig& rig, const std::vector<std::string>& words) {
 
 }  // namespace
 
-TEST(FormatPass, WorkedExampleGetsItsBlockNumber) {
+TEST(FormatPass, PunchBlockGetsItsBlockNumber) {
     EngineRig rig({"CANNED_PUNCH=TRUE", "[BLOCK_NUMBER1][X_AXIS][Y_AXIS]", "******"},
                   {"BLOCK_NUMBER1 [P1] [FORMAT=D0] [CONV=N]", "X_AXIS [M1] [FORMAT=D3] [CONV=X]",
                    "Y_AXIS [M2] [FORMAT=D3] [CONV=Y]", "******"});

@@ -41,11 +41,11 @@ ExeRun RunExe(const TempDir& dir, const std::vector<std::string>& args) {
     return run;
 }
 
-const std::vector<std::string> WorkedItems = {"PostMachine[1]=10.5", "PostMemo[1]=10.5", "PostMachine[2]=3",
+const std::vector<std::string> PunchItems = {"PostMachine[1]=10.5", "PostMemo[1]=10.5", "PostMachine[2]=3",
                                               "PostMemo[2]=0",       "PostParam[1]=5",   "PostParam[4]=5",
                                               "CANNED_PUNCH"};
 
-void WriteWorkedExample(const TempDir& dir) {
+void WritePunchBlock(const TempDir& dir) {
     WriteFileAtomically(dir.Path + "/STEM.pst", CrLf({"CANNED_PUNCH=TRUE", "[BLOCK_NUMBER1][X_AXIS][Y_AXIS]", "******"}));
     WriteFileAtomically(dir.Path + "/STEM.wrd",
                         CrLf({"BLOCK_NUMBER1 [P1] [FORMAT=D0] [CONV=N]", "X_AXIS [M1] [FORMAT=D3] [CONV=X]",
@@ -60,10 +60,10 @@ std::vector<std::string> Args(const std::vector<std::string>& front, const std::
 
 }  // namespace
 
-TEST(TryCommand, WorkedExamplePrintsTheFinishedBlock) {
+TEST(TryCommand, PunchBlockPrintsTheFinishedBlock) {
     TempDir dir;
-    WriteWorkedExample(dir);
-    const ExeRun run = RunExe(dir, Args({"try", dir.Path + "/STEM"}, WorkedItems));
+    WritePunchBlock(dir);
+    const ExeRun run = RunExe(dir, Args({"try", dir.Path + "/STEM"}, PunchItems));
     EXPECT_EQ(run.Status, 0) << run.Err;
     EXPECT_EQ(run.Out, "N5Y3.000\r\n");
     EXPECT_EQ(run.Err, "");
@@ -71,15 +71,15 @@ TEST(TryCommand, WorkedExamplePrintsTheFinishedBlock) {
 
 TEST(TryCommand, RawPrintsTheTextBeforeTheFormatPass) {
     TempDir dir;
-    WriteWorkedExample(dir);
-    const ExeRun run = RunExe(dir, Args({"try", "--raw", dir.Path + "/STEM"}, WorkedItems));
+    WritePunchBlock(dir);
+    const ExeRun run = RunExe(dir, Args({"try", "--raw", dir.Path + "/STEM"}, PunchItems));
     EXPECT_EQ(run.Status, 0) << run.Err;
     EXPECT_EQ(run.Out, "[BLOCK_NUMBER1]Y3.000\r\n");
 }
 
 TEST(TryCommand, AbortShowsTheMessageBoxAndExitsWithOne) {
     TempDir dir;
-    WriteWorkedExample(dir);
+    WritePunchBlock(dir);
     const ExeRun run = RunExe(dir, {"try", dir.Path + "/STEM", "CANNED_DWELL"});
     EXPECT_EQ(run.Status, 1);
     EXPECT_EQ(run.Out, "");
@@ -97,8 +97,8 @@ TEST(TryCommand, MissingWordFileIsAFaultWithTwo) {
 
 TEST(TryCommand, WorkingFilesDoNotGoBesideTheDefinition) {
     TempDir dir;
-    WriteWorkedExample(dir);
-    RunExe(dir, Args({"try", dir.Path + "/STEM"}, WorkedItems));
+    WritePunchBlock(dir);
+    RunExe(dir, Args({"try", dir.Path + "/STEM"}, PunchItems));
     EXPECT_FALSE(std::filesystem::exists(dir.Path + "/Program.sb1"));
     EXPECT_FALSE(std::filesystem::exists(dir.Path + "/progsubs.sub"));
     EXPECT_FALSE(std::filesystem::exists(dir.Path + "/Progmain.prg"));
