@@ -1,6 +1,7 @@
 #include "common/numtext.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -16,10 +17,23 @@ std::string PlainTextDigits(double value, int digits, int exponentLimit) {
     if (std::isnan(value)) return " NaN";
     if (std::isinf(value)) return value < 0 ? "-Inf" : " Inf";
     if (value == 0) return " 0";
+    // A whole number of no more digits than the form keeps is its own digits: written
+    // directly, as the conversion below would give it.
+    double limit = 1;
+    for (int i = 0; i < digits; ++i) limit *= 10;
+    if (std::fabs(value) < limit && value == std::trunc(value)) {
+        char whole[32];
+        const auto end = std::to_chars(whole, whole + sizeof whole, static_cast<long long>(std::fabs(value))).ptr;
+        std::string text(value < 0 ? "-" : " ");
+        text.append(whole, end);
+        return text;
+    }
+    // The digits as "%.*e" gives them, correctly rounded; to_chars is the same conversion
+    // without the cost of the formatted-output machinery.
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*e", digits - 1, value);
+    const auto written = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, digits - 1);
     // buffer: [-]d.ddddde[+-]xx
-    std::string text(buffer);
+    std::string text(buffer, written.ptr);
     const bool negative = text[0] == '-';
     if (negative) text.erase(0, 1);
     const auto e = text.find('e');
@@ -76,6 +90,32 @@ bool HoldsSmallExponent(const std::string& text) { return Holds(text, "E-") || H
 
 std::string NumberTextWithPlaces(double value, int places) {
     if (places > 6) places = 6;
+    // The value rounded to a whole number of units of the last place, as RoundTo rounds it:
+    // its text is those digits with the point put in, which is what the plain text of the
+    // rounded value gives. A value whose plain text takes an exponent (below 1E-04) goes the
+    // general way below, where it becomes 0.
+    {
+        double scale = 1.0;
+        for (int i = 0; i < places; ++i) scale *= 10.0;
+        int32_t whole = 0;
+        const bool rounded = places >= 1 ? RoundsIntoInt32(value * scale, whole) : RoundsIntoInt32(value, whole);
+        const long long magnitude = whole < 0 ? -static_cast<long long>(whole) : whole;
+        if (rounded && (whole == 0 || static_cast<double>(magnitude) * 10000.0 >= scale)) {
+            char buffer[32];
+            const auto end = std::to_chars(buffer, buffer + sizeof buffer, magnitude).ptr;
+            std::string digits(buffer, end);
+            if (digits.size() < static_cast<size_t>(places) + 1)
+                digits.insert(0, static_cast<size_t>(places) + 1 - digits.size(), '0');
+            std::string text = whole < 0 ? "-" : "";
+            const size_t integerDigits = digits.size() - static_cast<size_t>(places);
+            text.append(digits, 0, integerDigits);
+            if (places > 0) {
+                text += '.';
+                text.append(digits, integerDigits, std::string::npos);
+            }
+            return text;
+        }
+    }
     std::string text = Trim(PlainText(RoundTo(value, places)));
     if (HoldsSmallExponent(text)) text = "0";
     const auto point = text.find('.');
@@ -105,7 +145,46 @@ std::string PlainText(int32_t value) {
     return (value < 0 ? "" : " ") + std::to_string(value);
 }
 
+namespace {
+
+// The commonest leading number, a whole number of up to fifteen digits with or without a
+// sign, read directly; false when the text needs the full reading (a point, an exponent, an
+// &H or &O prefix, more digits).
+bool LeadingWholeNumber(std::string_view text, double& value) {
+    bool negative = false;
+    bool started = false;
+    long long whole = 0;
+    int digits = 0;
+    for (char c : text) {
+        if (IsBlankForNumber(c)) continue;
+        if (!started) {
+            started = true;
+            if (c == '&') return false;
+            if (c == '+' || c == '-') {
+                negative = c == '-';
+                continue;
+            }
+        }
+        if (c >= '0' && c <= '9') {
+            if (++digits > 15) return false;
+            whole = whole * 10 + (c - '0');
+            continue;
+        }
+        if (c == '.' || c == 'E' || c == 'e' || c == 'D' || c == 'd') return false;
+        break;
+    }
+    if (digits == 0) {
+        value = 0;
+        return true;
+    }
+    value = negative ? -static_cast<double>(whole) : static_cast<double>(whole);
+    return true;
+}
+
+}  // namespace
+
 double LeadingNumber(std::string_view text) {
+    if (double whole = 0; LeadingWholeNumber(text, whole)) return whole;
     std::string clean;
     clean.reserve(text.size());
     for (char c : text)

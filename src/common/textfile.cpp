@@ -53,15 +53,20 @@ void SkipLineEnd(const std::string& d, size_t& pos) {
 
 }  // namespace
 
-std::string ReadLine(TextInput& in) {
+void ReadLine(TextInput& in, std::string& line) {
     if (!in.Open) FileFault("File not open", in.Path);
     if (AtEnd(in)) PastEnd(in);
     const std::string& d = *in.Data;
     size_t end = in.Pos;
     while (end < d.size() && d[end] != '\r' && d[end] != '\n') ++end;
-    std::string line = d.substr(in.Pos, end - in.Pos);
+    line.assign(d, in.Pos, end - in.Pos);
     in.Pos = end;
     SkipLineEnd(d, in.Pos);
+}
+
+std::string ReadLine(TextInput& in) {
+    std::string line;
+    ReadLine(in, line);
     return line;
 }
 

@@ -28,6 +28,8 @@ bool AtEnd(const TextInput& in);
 // Reads one whole line without its end. Reading at the end of the file is the fault
 // "Input past end of file: <path>".
 std::string ReadLine(TextInput& in);
+// The same into an existing text, which keeps its storage.
+void ReadLine(TextInput& in, std::string& line);
 // Reads one item of a list line: a quoted text (up to the next quote; the rest up to the
 // next comma or line end is passed over) or a bare text up to the next comma or line end,
 // trimmed. An empty line gives one empty item.
