@@ -100,6 +100,9 @@ using ToolDefaultRecord = std::array<unsigned char, 49>;
 // The job's files and texts.
 struct JobState {
     std::string WorkDir;      // with a trailing separator
+    // The process's current directory, where files named without a directory lie
+    // ("progsubs.sub"); empty for the process's own, else with a trailing separator.
+    std::string CurrentDir;
     std::string JobPath, JobName, JobTitle;
     std::string DrawingFile, ProgramFile, ReportFile, PlatinoFile, SeqFile;
     std::string SubFile1, SubFile2, SubFile3;

@@ -6,6 +6,7 @@
 
 #include "common/fault.h"
 #include "tools/drawing_tool.h"
+#include "tools/try_tool.h"
 
 namespace tvx {
 
@@ -37,6 +38,15 @@ int RunCommandLine(int argc, char** argv) {
     build->add_option("file", buildFile, "JSON file")->required();
     build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
 
+    TryOptions tryOptions;
+    bool tryRaw = false;
+    auto* tryCommand = app.add_subcommand("try", "Write reserved words of a definition and show the program text");
+    tryCommand->footer(TryHelp);
+    tryCommand->add_option("stem", tryOptions.Stem, "Definition stem: STEM.pst, STEM.wrd, STEM.lyt")->required();
+    tryCommand->add_option("items", tryOptions.Items, "Cells, flags and reserved words, left to right");
+    tryCommand->add_flag("--raw", tryRaw, "Print the generated text before the format pass");
+    tryCommand->add_option("--seq", tryOptions.SequenceFile, "Job sequence file (Program.seq) for layouts");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -46,6 +56,10 @@ int RunCommandLine(int argc, char** argv) {
     try {
         if (*dump) return DrawingDumpCommand(dumpFile, std::cout);
         if (*build) return DrawingBuildCommand(buildFile, buildOutput);
+        if (*tryCommand) {
+            tryOptions.FormatPass = !tryRaw;
+            return TryCommand(tryOptions, std::cout, std::cerr);
+        }
         return Finish(RunEnd{ExitFault, "The job run is not built yet"});
     } catch (const RunEnd& end) {
         return Finish(end);

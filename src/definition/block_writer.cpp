@@ -1,0 +1,323 @@
+#include "definition/block_writer.h"
+
+#include <algorithm>
+#include <array>
+
+#include "common/fault.h"
+#include "common/numeric.h"
+#include "common/numtext.h"
+#include "definition/calc.h"
+#include "definition/called_blocks.h"
+#include "definition/definition_files.h"
+#include "definition/layouts.h"
+#include "definition/post_abort.h"
+#include "definition/post_value.h"
+#include "definition/word_lines.h"
+#include "job/run_state.h"
+
+namespace tvx {
+namespace {
+
+constexpr std::array<const char*, 4> LayoutNames = {"TURRET_LAYOUT", "TOOL_LAYOUT", "REPORT_LAYOUT", "TIME_LAYOUT"};
+constexpr std::array<const char*, 7> DeferredNames = {"BLOCK_NUMBER1",    "BLOCK_NUMBER2", "BLOCK_MEMO_SET",
+                                                      "BLOCK_MEMO_RESET", "BLOCK_SUB_NUMBER", "RESET_PUNCH",
+                                                      "INCREMENT_SUB"};
+
+// A 16-bit counter of the line interpreter: one more, and the fault "Overflow" past 32767.
+void CountUp(int16_t& counter, const char* what) {
+    if (counter == 32767) RunFault(std::string("Overflow: ") + what);
+    ++counter;
+}
+
+// The longest padding an alignment may ask for.
+constexpr double AlignLimit = 1000000.0;
+
+void PadSpaces(std::string& text, double count) {
+    if (count > AlignLimit) RunFault("Out of string space: alignment of " + Trim(PlainText(count)) + " columns");
+    const int32_t n = ToInteger32(count, "alignment");
+    if (n > 0) text.append(static_cast<size_t>(n), ' ');
+}
+
+// Where a finished line goes.
+void RouteLine(RunState& state) {
+    EngineState& e = state.Engine;
+    const ValueTables& t = state.Tables;
+    std::string& line = e.PostLine;
+    line = Trim(line);
+    const std::string notSign(1, '\xAC');
+    if (line == notSign && e.RenumberMode) line = std::string(1, '\0');
+    if (t.PostParam[9] == 100.0f) {
+        if (line == notSign) line = std::string(1, '\0');
+        if (!line.empty()) WriteLine(e.PlatinoOutput, line);
+    } else if (t.PostParam[80] == 1.0f || !e.SubroutineOutput) {
+        if (!line.empty()) WriteLine(e.ProgramOutput, line);
+    } else {
+        if (!line.empty()) WriteLine(e.SubroutineFile, line);
+    }
+}
+
+bool IsNumericallyZero(const PostValueType& value) {
+    if (value.Type != PostValueType::Kind::Text) return value.Number == 0;
+    return IsNumericText(value.Text) && LeadingNumber(value.Text) == 0;
+}
+
+}  // namespace
+
+void SearchWordLine(RunState& state, const std::string& word) {
+    EngineState& e = state.Engine;
+    DefinitionText& text = HeldTextOf(state, ChannelWord);
+    TextInput& in = e.WordInput;
+    const std::vector<WordStop>& stops = WordStopsOf(text, word);
+    const int32_t next = static_cast<int32_t>(
+        std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) - text.LineStart.begin());
+    auto stop = std::lower_bound(stops.begin(), stops.end(), next,
+                                 [](const WordStop& s, int32_t line) { return s.Line < line; });
+    if (stop == stops.end()) {
+        // End of the file: once more from the top, and a second end ends the search.
+        if (stops.empty()) {
+            if (text.LineCount() > 0) e.PostWordLine = std::string(text.Line(text.LineCount() - 1));
+            in.Pos = text.Data->size();
+            return;
+        }
+        stop = stops.begin();
+    }
+    e.PostWordLine = std::string(text.Line(stop->Line));
+    in.Pos = text.After(stop->Line);
+    if (stop->Unparsable)
+        RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
+                 "\" of file " + state.Job.WordFile);
+}
+
+void EvaluateWord(RunState& state, std::string word) {
+    EngineState& e = state.Engine;
+    ValueTables& t = state.Tables;
+    if (e.RenumberMode && !Holds(word, "BLOCK_NUMBER")) {
+        // Evaluated in the normal pass already: copied as it stands.
+        e.PostLine += "[" + word + "]";
+        return;
+    }
+    bool active = true;
+    bool textWanted = false;
+    e.FieldTextAdded = false;
+    e.FormatNTZ = false;
+    e.FormatNEG = false;
+    e.FormatABS = false;
+    e.FormatINV = false;
+    if (const size_t dot = word.find(".text"); dot != std::string::npos) {
+        textWanted = true;
+        word.resize(dot);
+    }
+    SearchWordLine(state, word);
+    TextInput& in = e.WordInput;
+    PostValueType index = TextValue("");
+    const std::string what = "word " + word;
+
+    for (;;) {
+        std::string field;
+        if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.WordFile);
+        std::string& line = e.PostWordLine;
+        ReadTagValue(state, line, index, e.PostValue, active);
+
+        // "CALC=" also finds the same letters of "SETCALC=".
+        if (const size_t calc = line.find("CALC="); calc != std::string::npos) {
+            const size_t close = line.find(']', calc);
+            if (close == std::string::npos)
+                PostAbort(state, "Reserved Word - end of CALC expression ] not found in file " + state.Job.WordFile);
+            std::string expression = line.substr(calc + 5, close - calc - 5);
+            SubstituteCalc(state, expression);
+            const std::optional<double> result = EvaluateCalc(state, expression);
+            e.PostValue = result ? DoubleValue(*result) : TextValue("");
+            if (Holds(line, "NLZ") && result && *result < 0) e.PostValue = DoubleValue(0);
+        }
+
+        const size_t format = line.find("[FORMAT=");
+        if (format != std::string::npos && !IsNoValue(e.PostValue)) {
+            const size_t close = line.find(']', format);
+            if (close == std::string::npos)
+                PostAbort(state, "Reserved Word - end of FORMAT expression ] not found in file " + state.Job.WordFile);
+            std::string formatText = line.substr(format + 8, close - format - 8);
+            ApplyFormat(state, formatText);
+        } else {
+            e.FormatNOP = false;
+            e.PostValue = TextValue(PlainNumberText(e.PostValue, what));
+        }
+
+        if (Holds(line, "SETCALC=")) {
+            if (e.TableLetter == "P") {
+                t.PostParam[CellNumber(index, "PostParam cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+            } else if (e.TableLetter == "M") {
+                t.PostMachine[CellNumber(index, "PostMachine cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+            } else if (e.TableLetter == "V") {
+                t.PostVar[CellNumber(index, "PostVar cell")] = ToSingle(ValueAsNumber(e.PostValue, what));
+            } else if (e.TableLetter == "S") {
+                t.PostText[CellNumber(index, "PostText cell")] = ValueAsText(e.PostValue);
+            }
+        }
+
+        // NOP: the line computes and stores, and prints no number.
+        if (e.FormatNOP) e.PostValue = TextValue(NoValueText);
+
+        if (active && !textWanted) {
+            ReadConvText(state, line, field);
+            if (!IsNoValue(e.PostValue)) field += ValueAsText(e.PostValue);
+            std::string list;
+            ReadSetText(state, line, list);
+            if (!list.empty()) ExecuteSetList(state, list);
+        }
+        if (active && textWanted) {
+            std::string text;
+            ReadTextField(state, line, text);
+            e.PostLine += text;
+            e.FieldTextAdded = true;
+        }
+        if (e.FormatNTZ && IsNumericallyZero(e.PostValue)) field.clear();
+        if (active) {
+            e.PostLine += field;
+            if (!field.empty()) e.FieldTextAdded = true;
+            // The number is stepped after it was printed; a dropped line takes the step back.
+            if (word == "BLOCK_NUMBER1") {
+                t.PostParam[1] = t.PostParam[1] + t.PostParam[4];
+                e.BlockNumber1Used = true;
+            } else if (word == "BLOCK_NUMBER2") {
+                t.PostParam[2] = t.PostParam[2] + t.PostParam[5];
+                e.BlockNumber2Used = true;
+            } else if (!word.empty()) {
+                CountUp(e.FieldCount, "FieldCount");
+            }
+        }
+
+        // The word's further lines follow directly, each with the word in column 1.
+        if (AtEnd(in)) break;
+        e.PostWordLine = ReadLine(in);
+        bool unparsable = false;
+        if (!IsWordLine(e.PostWordLine, word, unparsable)) {
+            if (unparsable)
+                RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" +
+                         e.PostWordLine + "\" of file " + state.Job.WordFile);
+            break;
+        }
+    }
+}
+
+void WriteReservedBlock(RunState& state) {
+    EngineState& e = state.Engine;
+    ValueTables& t = state.Tables;
+    e.PostDefLine.clear();
+    e.PostLine.clear();
+    e.NonBlankCount = 0;
+    e.FieldCount = 0;
+
+    // Local to the block.
+    std::string tag;
+    bool inTag = false;
+    int align = 0;  // 1 between the braces, -1 behind the closing brace
+    std::string alignBuffer;
+    int previous = -1;  // the previous literal character, -1 for none
+
+    for (;;) {
+        if (e.LayoutMode == 0) {
+            ReadDefinitionLine(state, e.PostDefLine);
+            if (Holds(e.PostDefLine, "******")) {
+                if (e.PostLevel < 1) return;
+                // The end of a called block: back to the caller's next line.
+                CloseInputChannel(state, e.PostChannel);
+                StepBackLevel(state);
+                ReadDefinitionLine(state, e.PostDefLine);
+                if (e.PostLevel == 0 && Holds(e.PostDefLine, "******")) return;
+            }
+        } else {
+            NextLayoutLine(state, e.LayoutMode);
+        }
+        if (e.PostDefLine == NoValueText) e.PostDefLine.clear();
+
+        const bool deferredActive = !e.RenumberMode;
+        if (!e.RenumberMode) e.FieldCount = 1;
+        const std::string line = e.PostDefLine;
+        const bool alignable = line.find('@') != std::string::npos;
+
+        for (size_t i = 0; i < line.size(); ++i) {
+            const char c = line[i];
+            if (c == '{' || c == '}') {
+                if (alignable) {
+                    align = c == '{' ? 1 : -1;
+                } else {
+                    e.PostLine += c;
+                    CountUp(e.NonBlankCount, "NonBlankCount");
+                }
+            } else if (c == '@') {
+                if (align != -1) continue;  // a stray @ is lost
+                align = 0;
+                const std::string letter = i + 1 < line.size() ? line.substr(i + 1, 1) : std::string();
+                const std::string digits = i + 2 < line.size() ? line.substr(i + 2, 3) : std::string();
+                const double width = LeadingNumber(digits) - 2;
+                i += 4;
+                const double length = static_cast<double>(e.PostLine.size());
+                if (letter == "L") {
+                    if (length < width) PadSpaces(e.PostLine, width - length);
+                } else {
+                    const double room = width - static_cast<double>(alignBuffer.size());
+                    if (room > length) PadSpaces(e.PostLine, room - length);
+                }
+                e.PostLine += alignBuffer;
+                alignBuffer.clear();
+            } else if (c == '[') {
+                inTag = true;
+            } else if (c == ']') {
+                const auto layout = std::find(LayoutNames.begin(), LayoutNames.end(), tag);
+                if (layout != LayoutNames.end()) {
+                    // The rest of the line falls into the tag buffer and is lost.
+                    e.LayoutMode = static_cast<int16_t>(layout - LayoutNames.begin() + 1);
+                    OpenDefinitionInput(state, ChannelSequence, state.Job.SeqFile);
+                    ReadLine(e.SequenceInput);
+                    continue;
+                }
+                const bool deferred =
+                    deferredActive ? std::find(DeferredNames.begin(), DeferredNames.end(), tag) != DeferredNames.end()
+                                   : tag.empty();
+                if (deferred) {
+                    e.PostLine += "[" + tag + "]";
+                } else if (align == 1) {
+                    const size_t before = e.PostLine.size();
+                    const std::string kept = e.PostLine;
+                    EvaluateWord(state, tag);
+                    if (e.PostLine.size() > before) alignBuffer += e.PostLine.substr(before);
+                    e.PostLine = kept;
+                } else if (!tag.empty()) {
+                    EvaluateWord(state, tag);
+                }
+                inTag = false;
+                tag.clear();
+            } else if (inTag) {
+                tag += c;
+            } else {
+                if (e.FieldTextAdded) previous = -1;
+                if (c != ' ') CountUp(e.NonBlankCount, "NonBlankCount");
+                if (c == ' ' && previous == ' ' && !e.ReportMode) continue;
+                previous = static_cast<unsigned char>(c);
+                if (align == 1) alignBuffer += c;
+                else e.PostLine += c;
+            }
+        }
+
+        // End of the line.
+        previous = -1;
+        if (e.ReportMode) {
+            WriteLine(e.ReportOutput, e.PostLine);
+        } else if (e.NonBlankCount > 0 || e.FieldCount > 0) {
+            RouteLine(state);
+        } else {
+            // Nothing printed: a block number on the line is not used up.
+            if (e.BlockNumber1Used) t.PostParam[1] = t.PostParam[1] - t.PostParam[4];
+            if (e.BlockNumber2Used) t.PostParam[2] = t.PostParam[2] - t.PostParam[5];
+        }
+        e.BlockNumber1Used = false;
+        e.BlockNumber2Used = false;
+        e.PostLine.clear();
+        inTag = false;
+        tag.clear();
+        e.NonBlankCount = 0;
+        e.FieldCount = 0;
+    }
+}
+
+}  // namespace tvx

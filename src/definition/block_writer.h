@@ -1,0 +1,19 @@
+#pragma once
+// The block line interpreter: body lines with tags become output lines, routed to the
+// program, the subroutine file, the second program file or the report.
+#include <string>
+
+namespace tvx {
+
+struct RunState;
+
+// Prints the body of the block that FindReservedWord (or the job driver) left the definition
+// positioned at, up to its "******".
+void WriteReservedBlock(RunState& state);
+// Appends the output of one word of the .wrd to PostLine.
+void EvaluateWord(RunState& state, std::string word);
+// Finds the first line of a word in the .wrd from the rolling position, with one rewind to
+// the top; leaves it in PostWordLine and the file behind it.
+void SearchWordLine(RunState& state, const std::string& word);
+
+}  // namespace tvx

@@ -1,0 +1,114 @@
+#include "definition/definition_cache.h"
+
+#include "common/numtext.h"
+#include "common/paths.h"
+#include "common/textfile.h"
+
+namespace tvx {
+namespace {
+
+std::string CacheKey(const std::string& path) { return Upper(NativePath(path)); }
+
+}  // namespace
+
+std::shared_ptr<DefinitionText> MakeDefinitionText(const std::string& path, std::shared_ptr<const std::string> data) {
+    auto text = std::make_shared<DefinitionText>();
+    text->Path = path;
+    text->Data = std::move(data);
+    const std::string& d = *text->Data;
+    size_t pos = 0;
+    // The same line ends as a sequential read: CR LF, LF or CR.
+    while (pos < d.size()) {
+        text->LineStart.push_back(pos);
+        size_t end = pos;
+        while (end < d.size() && d[end] != '\r' && d[end] != '\n') ++end;
+        text->LineEnd.push_back(end);
+        pos = end;
+        if (pos < d.size() && d[pos] == '\r') {
+            ++pos;
+            if (pos < d.size() && d[pos] == '\n') ++pos;
+        } else if (pos < d.size() && d[pos] == '\n') {
+            ++pos;
+        }
+    }
+    text->LineStart.push_back(d.size());
+    return text;
+}
+
+std::shared_ptr<DefinitionText> CachedDefinition(DefinitionCache& cache, const std::string& path) {
+    if (auto exact = cache.ByExactPath.find(path); exact != cache.ByExactPath.end()) return exact->second;
+    const std::string key = CacheKey(path);
+    auto found = cache.Files.find(key);
+    if (found == cache.Files.end()) {
+        auto text = MakeDefinitionText(path, std::make_shared<const std::string>(ReadAllBytes(path)));
+        found = cache.Files.emplace(key, std::move(text)).first;
+    }
+    cache.ByExactPath[path] = found->second;
+    return found->second;
+}
+
+void HoldDefinition(DefinitionCache& cache, const std::string& path, std::shared_ptr<const std::string> data) {
+    ForgetDefinition(cache, path);
+    cache.Files[CacheKey(path)] = MakeDefinitionText(path, std::move(data));
+}
+
+void HoldDefinitionText(DefinitionCache& cache, const std::string& path, std::shared_ptr<DefinitionText> text) {
+    ForgetDefinition(cache, path);
+    cache.Files[CacheKey(path)] = std::move(text);
+}
+
+void ForgetDefinition(DefinitionCache& cache, const std::string& path) {
+    cache.Files.erase(CacheKey(path));
+    cache.ByExactPath.clear();
+}
+
+int32_t FirstLineHolding(DefinitionText& text, const std::string& word) {
+    if (auto known = text.FirstHolding.find(word); known != text.FirstHolding.end()) return known->second;
+    int32_t result = -1;
+    for (int32_t i = 0; i < text.LineCount(); ++i) {
+        if (text.Line(i).find(word) != std::string_view::npos) {
+            result = i;
+            break;
+        }
+    }
+    text.FirstHolding.emplace(word, result);
+    return result;
+}
+
+int32_t FirstCallableLine(DefinitionText& text, const std::string& name) {
+    if (auto known = text.FirstCallable.find(name); known != text.FirstCallable.end()) return known->second;
+    int32_t result = -1;
+    for (int32_t i = 0; i < text.LineCount(); ++i) {
+        const std::string_view line = text.Line(i);
+        if (line.find(name) != std::string_view::npos && line.find("CALL") == std::string_view::npos) {
+            result = i;
+            break;
+        }
+    }
+    text.FirstCallable.emplace(name, result);
+    return result;
+}
+
+bool IsWordLine(std::string_view line, std::string_view word, bool& unparsable) {
+    unparsable = false;
+    const size_t found = line.find(word);
+    if (found == std::string_view::npos) return false;
+    const size_t blank = line.find(' ', found);
+    if (blank == std::string_view::npos) {
+        unparsable = true;
+        return false;
+    }
+    return line.substr(0, blank) == word;
+}
+
+const std::vector<WordStop>& WordStopsOf(DefinitionText& text, const std::string& word) {
+    if (auto known = text.WordStops.find(word); known != text.WordStops.end()) return known->second;
+    std::vector<WordStop> stops;
+    for (int32_t i = 0; i < text.LineCount(); ++i) {
+        bool unparsable = false;
+        if (IsWordLine(text.Line(i), word, unparsable) || unparsable) stops.push_back(WordStop{i, unparsable});
+    }
+    return text.WordStops.emplace(word, std::move(stops)).first->second;
+}
+
+}  // namespace tvx

@@ -1,0 +1,111 @@
+#include "definition/post_value.h"
+
+#include "common/fault.h"
+#include "common/numeric.h"
+#include "common/numtext.h"
+
+namespace tvx {
+
+bool IsNoValue(const PostValueType& value) {
+    if (value.Type == PostValueType::Kind::Text) return value.Text == NoValueText;
+    return value.Number == -9999.0;
+}
+
+PostValueType TextValue(std::string text) {
+    PostValueType v;
+    v.Type = PostValueType::Kind::Text;
+    v.Text = std::move(text);
+    return v;
+}
+
+PostValueType SingleValue(float number) {
+    PostValueType v;
+    v.Type = PostValueType::Kind::Single;
+    v.Number = static_cast<double>(number);
+    return v;
+}
+
+PostValueType DoubleValue(double number) {
+    PostValueType v;
+    v.Type = PostValueType::Kind::Double;
+    v.Number = number;
+    return v;
+}
+
+PostValueType NoValue() { return DoubleValue(-9999.0); }
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+bool IsNumericText(std::string_view text) {
+    size_t b = 0;
+    size_t e = text.size();
+    while (b < e && text[b] == ' ') ++b;
+    while (e > b && text[e - 1] == ' ') --e;
+    const std::string_view t = text.substr(b, e - b);
+    if (t.empty()) return false;
+    size_t i = 0;
+    if (t.size() >= 2 && t[0] == '&') {
+        const char kind = t[1];
+        if (kind != 'H' && kind != 'h' && kind != 'O' && kind != 'o') return false;
+        const bool hex = kind == 'H' || kind == 'h';
+        if (t.size() == 2) return false;
+        for (i = 2; i < t.size(); ++i) {
+            const char c = t[i];
+            const bool ok = hex ? (IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f')) : (c >= '0' && c <= '7');
+            if (!ok) return false;
+        }
+        return true;
+    }
+    if (t[i] == '+' || t[i] == '-') ++i;
+    size_t digits = 0;
+    while (i < t.size() && IsDigit(t[i])) { ++i; ++digits; }
+    if (i < t.size() && t[i] == '.') {
+        ++i;
+        while (i < t.size() && IsDigit(t[i])) { ++i; ++digits; }
+    }
+    if (digits == 0) return false;
+    if (i < t.size() && (t[i] == 'E' || t[i] == 'e' || t[i] == 'D' || t[i] == 'd')) {
+        ++i;
+        if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
+        size_t expDigits = 0;
+        while (i < t.size() && IsDigit(t[i])) { ++i; ++expDigits; }
+        if (expDigits == 0) return false;
+    }
+    return i == t.size();
+}
+
+std::string ValueAsText(const PostValueType& value) {
+    switch (value.Type) {
+        case PostValueType::Kind::Text: return value.Text;
+        case PostValueType::Kind::Single: return TrimLeft(PlainText(static_cast<float>(value.Number)));
+        case PostValueType::Kind::Double: return TrimLeft(PlainText(value.Number));
+    }
+    return value.Text;
+}
+
+double ValueAsNumber(const PostValueType& value, const std::string& what) {
+    if (value.Type != PostValueType::Kind::Text) return value.Number;
+    if (value.Text.empty()) return 0;
+    if (!IsNumericText(value.Text)) RunFault("Type mismatch: \"" + value.Text + "\" is not a number (" + what + ")");
+    return LeadingNumber(value.Text);
+}
+
+PostValueType ValueAsNumberValue(const PostValueType& value, const std::string& what) {
+    if (value.Type != PostValueType::Kind::Text) return value;
+    return DoubleValue(ValueAsNumber(value, what));
+}
+
+std::string PlainNumberText(const PostValueType& value, const std::string& what) {
+    if (value.Type == PostValueType::Kind::Single) return TrimLeft(PlainText(static_cast<float>(value.Number)));
+    return TrimLeft(PlainText(ValueAsNumber(value, what)));
+}
+
+int32_t CellNumber(const PostValueType& index, const std::string& what) {
+    return ToInteger32(ValueAsNumber(index, what), what.c_str());
+}
+
+}  // namespace tvx

@@ -1,0 +1,43 @@
+#pragma once
+// The value register's conversions: what a number or a text becomes when the engine needs
+// the other form.
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "definition/engine_state.h"
+
+namespace tvx {
+
+inline constexpr const char* NoValueText = "-9999";
+
+// True for the text "-9999" and for the number -9999: the word line has no value to print.
+bool IsNoValue(const PostValueType& value);
+
+PostValueType TextValue(std::string text);
+PostValueType SingleValue(float number);
+PostValueType DoubleValue(double number);
+// The number -9999.
+PostValueType NoValue();
+
+// True when a text, less the blanks around it, is a whole number in the forms that a number
+// may be written in: sign, digits, point, exponent with E or D; or &H and &O numbers.
+bool IsNumericText(std::string_view text);
+
+// The value as a text: a text stays as it is; a number gives its plain text without the
+// leading blank (seven digits for a single, fifteen for a double).
+std::string ValueAsText(const PostValueType& value);
+// The value as a number: a number stays; an empty text is 0; a text that is a whole number is
+// read by its leading number; any other text is the fault "Type mismatch", naming `what`.
+double ValueAsNumber(const PostValueType& value, const std::string& what);
+// The same for a number that keeps its precision: a single stays a single, a text becomes a
+// double.
+PostValueType ValueAsNumberValue(const PostValueType& value, const std::string& what);
+// The plain number text without the leading blank.
+std::string PlainNumberText(const PostValueType& value, const std::string& what);
+
+// A cell number: the value rounded to an integer, halves to the even neighbour. A text that
+// is not a number is the fault "Type mismatch".
+int32_t CellNumber(const PostValueType& index, const std::string& what);
+
+}  // namespace tvx
