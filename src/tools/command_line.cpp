@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "common/fault.h"
+#include "job/post_main.h"
 #include "tools/drawing_tool.h"
 #include "tools/try_tool.h"
 
@@ -38,6 +39,10 @@ int RunCommandLine(int argc, char** argv) {
     build->add_option("file", buildFile, "JSON file")->required();
     build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
 
+    std::string runDirectory;
+    auto* run = app.add_subcommand("run", "Run the job of a directory (as torvanex started there)");
+    run->add_option("directory", runDirectory, "Work directory holding Torvanex.cfg")->required();
+
     TryOptions tryOptions;
     bool tryRaw = false;
     auto* tryCommand = app.add_subcommand("try", "Write reserved words of a definition and show the program text");
@@ -60,7 +65,8 @@ int RunCommandLine(int argc, char** argv) {
             tryOptions.FormatPass = !tryRaw;
             return TryCommand(tryOptions, std::cout, std::cerr);
         }
-        return Finish(RunEnd{ExitFault, "The job run is not built yet"});
+        if (*run) return RunJob(runDirectory);
+        return RunJob("");
     } catch (const RunEnd& end) {
         return Finish(end);
     }
