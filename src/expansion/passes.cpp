@@ -10,8 +10,6 @@ namespace tvx {
 void MultipartExplode(RunState&, const std::string&) {}
 void AssociativeToolingPass(RunState&, const std::string&) {}
 void ShapePass(RunState&, const std::string&) {}
-void GridPass(RunState&, const std::string&) {}
-void CruciformPass(RunState&, const std::string&) {}
 void RotateDrawing(RunState&, const std::string&, double) {}
 
 void MeasurePart(RunState&, const std::string&, double& x, double& y) {

@@ -142,9 +142,14 @@ void MultipartPart(RunState& state, DrawRecord& record) {
     WriteBlock(state, "MULTIPART_CALL");
 }
 
-// The arcs of codes 130 and 230. A quarter arc worked by a radius punch becomes one hit; every
-// other arc is a path. Neither is written by a punch job yet: both fall through to nothing.
-void DispatchArc(RunState&, DrawRecord&) {}
+// The arcs of codes 130 and 230: a quarter arc worked by a radius punch becomes one hit in
+// place; every other arc is a path of the arc emitters.
+void DispatchArc(RunState& state, DrawRecord& record) {
+    if (IsRadiusPunchArc(record)) {
+        ArcToPunch(state, record);
+        if (HasTool(record)) EmitPunch(state, record);
+    }
+}
 
 }  // namespace
 
