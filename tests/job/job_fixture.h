@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "common/paths.h"
 #include "common/textfile.h"
 #include "definition/definition_files.h"
 #include "job/run_state.h"
