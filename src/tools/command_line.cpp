@@ -6,6 +6,7 @@
 
 #include "common/fault.h"
 #include "job/post_main.h"
+#include "tools/demo_tool.h"
 #include "tools/drawing_tool.h"
 #include "tools/try_tool.h"
 
@@ -39,6 +40,11 @@ int RunCommandLine(int argc, char** argv) {
     build->add_option("file", buildFile, "JSON file")->required();
     build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
 
+    std::string demoExample = "punch", demoDirectory;
+    auto* demo = app.add_subcommand("demo", "Unpack an example installation, run its job and show the program");
+    demo->add_option("--example", demoExample, "Example installation to run")->capture_default_str();
+    demo->add_option("directory", demoDirectory, "Where to unpack it (default ./torvanex-demo)");
+
     std::string runDirectory;
     auto* run = app.add_subcommand("run", "Run the job of a directory (as torvanex started there)");
     run->add_option("directory", runDirectory, "Work directory holding Torvanex.cfg")->required();
@@ -66,6 +72,7 @@ int RunCommandLine(int argc, char** argv) {
             return TryCommand(tryOptions, std::cout, std::cerr);
         }
         if (*run) return RunJob(runDirectory);
+        if (*demo) return DemoCommand(demoExample, demoDirectory, std::cout);
         return RunJob("");
     } catch (const RunEnd& end) {
         return Finish(end);
