@@ -11,3 +11,14 @@ struct RunState;
 void FormatPass(RunState& state);
 
 }  // namespace tvx
+
+namespace tvx {
+
+// The closing blocks and marks directly after the loop.
+void CloseProgram(RunState& state);
+// The machine family's last passes: 1 (subroutines of G83 cycles), 9 (end mark), 10 (G09).
+void FamilyPasses(RunState& state);
+// Copies the program and the report to the job's names, each written whole or not at all.
+void MakeJobCopies(RunState& state);
+
+}  // namespace tvx

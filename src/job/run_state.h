@@ -7,6 +7,7 @@
 
 #include "definition/engine_state.h"
 #include "definition/tables.h"
+#include "drawing/drawfile.h"
 #include "drawing/record.h"
 
 namespace tvx {
@@ -109,6 +110,18 @@ struct JobState {
     std::string PostFile, WordFile, LayoutFile;
     // Timers of each station (0 to the number of stations), five each.
     std::vector<std::array<float, 5>> ToolTimes;
+
+    // ---- The job's tool table and drawing header ----
+    int16_t SeqRowCount = 0;   // tool rows of Program.seq
+    int32_t RecordTotal = 0;   // records of the job's drawing
+    std::string MaterialName;  // EntityText of record 1, trimmed
+    std::string MaterialText;  // the material's field 11
+    float SheetX = 0, SheetY = 0, SheetZ = 0;
+    std::array<float, 5> SheetValues{};  // 1 to 4
+    float SheetExtra = 0;
+    // The date and time texts "dd-mm-yyyy hh:mm" to use instead of the clock; empty for the
+    // clock. Lets a job be run twice to the same bytes.
+    std::string FixedClock;
 };
 
 // The machine and its tables.
@@ -162,7 +175,30 @@ struct MachineState {
 };
 
 // The generation loop's own registers.
-struct LoopState {};
+struct LoopState {
+    int32_t RecordIndex = 1;   // the main drawing's current record
+    DrawRecord Record;         // the record in work
+    DrawRecord PartRecord;     // look-ahead of a part drawing
+    int32_t PartIndex = 0;
+    int32_t PartRecordCount = 0;
+    bool PartMatch = false;
+    bool ShapeActive = false;
+    int32_t ShapeIndex = 0;
+    bool ToolingActive = false;
+    int32_t ToolingIndex = 0;
+    bool CallSubroutinesDue = true;
+    std::vector<std::string> PartNames{std::string()};  // 1-based
+    std::vector<int16_t> PartNumbers{0};                // 1-based
+    bool PartKnown = false;
+    int16_t NextPartNumber = 0;
+    ToolSpec CurrentTool;
+    bool ToolRotates = false;
+    // The record streams, by their fixed numbers.
+    DrawingFile MainDrawing;     // 8: the job's drawing
+    DrawingFile ShapeDrawing;    // 11: Shape.drw
+    DrawingFile PartDrawing;     // 12: the part drawing
+    DrawingFile ToolingDrawing;  // 21: AssTool.drw
+};
 
 struct RunState {
     ValueTables Tables;

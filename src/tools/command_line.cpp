@@ -5,6 +5,8 @@
 #include <iostream>
 
 #include "common/fault.h"
+#include "job/post_main.h"
+#include "tools/demo_tool.h"
 #include "tools/drawing_tool.h"
 #include "tools/try_tool.h"
 
@@ -38,6 +40,15 @@ int RunCommandLine(int argc, char** argv) {
     build->add_option("file", buildFile, "JSON file")->required();
     build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
 
+    std::string demoExample = "punch", demoDirectory;
+    auto* demo = app.add_subcommand("demo", "Unpack an example installation, run its job and show the program");
+    demo->add_option("--example", demoExample, "Example installation to run")->capture_default_str();
+    demo->add_option("directory", demoDirectory, "Where to unpack it (default ./torvanex-demo)");
+
+    std::string runDirectory;
+    auto* run = app.add_subcommand("run", "Run the job of a directory (as torvanex started there)");
+    run->add_option("directory", runDirectory, "Work directory holding Torvanex.cfg")->required();
+
     TryOptions tryOptions;
     bool tryRaw = false;
     auto* tryCommand = app.add_subcommand("try", "Write reserved words of a definition and show the program text");
@@ -60,7 +71,9 @@ int RunCommandLine(int argc, char** argv) {
             tryOptions.FormatPass = !tryRaw;
             return TryCommand(tryOptions, std::cout, std::cerr);
         }
-        return Finish(RunEnd{ExitFault, "The job run is not built yet"});
+        if (*run) return RunJob(runDirectory);
+        if (*demo) return DemoCommand(demoExample, demoDirectory, std::cout);
+        return RunJob("");
     } catch (const RunEnd& end) {
         return Finish(end);
     }

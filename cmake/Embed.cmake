@@ -1,0 +1,22 @@
+# Writes a C++ source that holds the bytes of every file under a folder, for the demo command.
+# Called as: cmake -DSOURCE_DIR=... -DOUTPUT=... -P Embed.cmake
+file(GLOB_RECURSE files RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*")
+list(SORT files)
+set(body "")
+foreach(name ${files})
+  if(name MATCHES "(^|/)\\.keep$")
+    get_filename_component(dir "${name}" DIRECTORY)
+    string(APPEND body "    {\"${dir}/\", std::string_view()},\n")
+    continue()
+  endif()
+  file(READ "${SOURCE_DIR}/${name}" hex HEX)
+  string(LENGTH "${hex}" hexLength)
+  math(EXPR size "${hexLength} / 2")
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "\\\\x\\1" escaped "${hex}")
+  # Break the literal every 64 bytes so that no line gets too long.
+  string(REGEX REPLACE "((\\\\x[0-9a-f][0-9a-f]){64})" "\\1\"\n        \"" escaped "${escaped}")
+  string(APPEND body "    {\"${name}\", std::string_view(\n        \"${escaped}\", ${size})},\n")
+endforeach()
+file(WRITE "${OUTPUT}.tmp" "// Generated from the examples folder; do not edit.\n#include \"tools/embedded_examples.h\"\n\nnamespace tvx {\n\nconst std::vector<EmbeddedFile>& EmbeddedExamples() {\n    static const std::vector<EmbeddedFile> files{\n${body}    };\n    return files;\n}\n\n}  // namespace tvx\n")
+file(COPY_FILE "${OUTPUT}.tmp" "${OUTPUT}" ONLY_IF_DIFFERENT)
+file(REMOVE "${OUTPUT}.tmp")

@@ -1,0 +1,85 @@
+// The two passes that finish a drawing in place without changing its number of records: grids
+// lose their exchanged-axes form, and the quarter arcs of a radius punch become single hits.
+#include <cmath>
+
+#include "common/numeric.h"
+#include "drawing/binding.h"
+#include "drawing/drawfile.h"
+#include "expansion/passes.h"
+#include "job/run_state.h"
+#include "ui/progress.h"
+
+namespace tvx {
+namespace {
+
+// The grid test: a tool and the exchanged-axes flag, ANDed as 16-bit integers.
+bool IsSwappedGrid(const DrawRecord& record) {
+    return record.EntityCode == 225 && (record.ToolA.Present & record.Count[3]) != 0;
+}
+
+}  // namespace
+
+bool IsRadiusPunchArc(const DrawRecord& record) {
+    return record.EntityCode == 130 && std::fabs(record.Value[11]) == 90.0f && record.Side == 1 &&
+           record.ToolA.Letter.Text() == "M";
+}
+
+void ArcToPunch(const RunState& state, DrawRecord& record) {
+    DrawRecord hit;
+    ClearRecord(hit);
+    hit.EntityCode = 210;
+    hit.EntityName = "Punch";
+    hit.Point[4] = record.Point[5];
+    CopyTool(record.ToolA, hit.ToolA);
+    BindRecord(state.Machine, hit);
+    CopyRecord(hit, record);
+}
+
+void UnswapGrid(DrawRecord& record) {
+    if (!IsSwappedGrid(record)) return;
+    const float firstPitch = record.Value[2];
+    const float secondPitch = record.Value[4];
+    const int16_t firstCount = record.Count[1];
+    const int16_t secondCount = record.Count[2];
+    record.Value[2] = ToSingle(0.0 - secondPitch);
+    record.Value[4] = firstPitch;
+    record.Value[10] = ToSingle(Norm360(90.0 - record.Value[10]));
+    record.Count[1] = secondCount;
+    record.Count[2] = firstCount;
+    record.Count[3] = 0;
+}
+
+void GridPass(RunState&, const std::string& drawing) {
+    DrawingFile file;
+    OpenDrawing(file, drawing);
+    const int32_t count = ReadRecordCount(file);
+    ShowProgress("Processing Grids");
+    for (int32_t n = 2; n <= count; ++n) {
+        DrawRecord record;
+        ReadRecord(file, n, record);
+        if (IsSwappedGrid(record)) {
+            UnswapGrid(record);
+            WriteRecord(file, n, record);
+        }
+        SetProgress(static_cast<int>(static_cast<double>(n) / (static_cast<double>(count) + 1) * 100));
+    }
+    CloseDrawing(file);
+}
+
+void CruciformPass(RunState& state, const std::string& drawing) {
+    DrawingFile file;
+    OpenDrawing(file, drawing);
+    const int32_t count = ReadRecordCount(file);
+    ShowProgress("Processing Cruciforms");
+    const int32_t onDisk = RecordsOnDisk(file);
+    for (int32_t n = 1; n <= count && n <= onDisk; ++n) {
+        DrawRecord record;
+        ReadRecord(file, n, record);
+        if (IsRadiusPunchArc(record)) ArcToPunch(state, record);
+        WriteRecord(file, n, record);
+        SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
+    }
+    CloseDrawing(file);
+}
+
+}  // namespace tvx

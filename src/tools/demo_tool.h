@@ -1,0 +1,13 @@
+#pragma once
+#include <ostream>
+#include <string>
+
+namespace tvx {
+
+// `torvanex demo [--example NAME] [DIR]`: unpacks an example installation into DIR, runs its
+// job there and shows where the program and the report are, with the program's first lines.
+int DemoCommand(const std::string& example, const std::string& directory, std::ostream& out);
+// The names of the example installations built in.
+std::string ExampleNames();
+
+}  // namespace tvx

@@ -1,0 +1,248 @@
+#include "job/generation.h"
+
+#include <gtest/gtest.h>
+
+#include "common/fault.h"
+#include "drawing/drawfile.h"
+#include "job/job_fixture.h"
+#include "job/job_start.h"
+
+using namespace tvx;
+
+namespace {
+
+std::vector<std::string> PunchBlocks() { return {"CANNED_PUNCH=TRUE", "P[X_AXIS][Y_AXIS]", "******"}; }
+
+ToolSpec Tool(const char* letter, const char* name, float size1, int16_t number, int16_t workType, float step = 0) {
+    ToolSpec t;
+    t.Present = -1;
+    t.Letter = letter;
+    t.ToolName = name;
+    t.Size[1] = size1;
+    t.ToolNumber = number;
+    t.WorkType = workType;
+    t.ToolStep = step;
+    return t;
+}
+
+// Program.seq with the rows given, and a turret of stations 5 and 12 for rows 1 and 2.
+void Turret(JobFixture& f, const std::vector<std::string>& rows, int16_t stations = 20) {
+    std::vector<std::string> lines{"SEQUENCE"};
+    lines.insert(lines.end(), rows.begin(), rows.end());
+    lines.push_back("******");
+    WriteAllLines(f.State.Job.SeqFile, lines);
+    CountSequenceRows(f.State);
+    auto& turret = f.State.Machine.TurretTools;
+    turret.resize(3);
+    turret[1].Station = 5;
+    turret[1].ToolText1 = "Stn 5";
+    turret[1].ToolText2 = "5";
+    turret[2].Station = 12;
+    turret[2].ToolText1 = "Stn 12";
+    turret[2].ToolText2 = "12";
+    f.State.Machine.StationCount = stations;
+    f.State.Job.ToolTimes.assign(static_cast<size_t>(stations) + 1, std::array<float, 5>{});
+}
+
+}  // namespace
+
+TEST(CountSequenceRows, TitleAndEndMarkGiveNoRows) {
+    JobFixture f(PunchBlocks());
+    WriteAllLines(f.State.Job.SeqFile, {"TITLE", "******"});
+    CountSequenceRows(f.State);
+    EXPECT_EQ(f.State.Job.SeqRowCount, 0);
+}
+
+TEST(CountSequenceRows, RowBegunOnTheLastLineIsNotCounted) {
+    JobFixture f(PunchBlocks());
+    WriteAllLines(f.State.Job.SeqFile, {"TITLE", "A,R,1,0,0,0,0,1,1", "A"});
+    CountSequenceRows(f.State);
+    EXPECT_EQ(f.State.Job.SeqRowCount, 1);
+    WriteAllLines(f.State.Job.SeqFile, {"TITLE", "\"A\",\"R\",1,0,0,0,\"0\",1,1", "\"C\",\"S\",1,0,0,0,\"0\",1,2"});
+    CountSequenceRows(f.State);
+    EXPECT_EQ(f.State.Job.SeqRowCount, 2);
+}
+
+TEST(SelectTool, NoRowsFallThroughToStationRowZero) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {});
+    SelectTool(f.State, Tool("A", "RND10", 10, 1, 10));
+    EXPECT_EQ(f.State.Tables.PostMachine[0], 0.0f);
+    EXPECT_EQ(f.State.Tables.PostText[25], "");
+}
+
+TEST(SelectTool, FindsTheRowAndStepsTheTurretBothWays) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {"A,RND10,10,0,0,0,0,1,1", "C,SQ20,20,0,0,0,idx,2,2"});
+    ValueTables& t = f.State.Tables;
+    t.PostParam[192] = -1;
+    SelectTool(f.State, Tool("A", "RND10", 10, 1, 10));
+    EXPECT_EQ(t.PostMachine[0], 5.0f);
+    EXPECT_EQ(t.PostMachine[14], 5.0f);
+    EXPECT_EQ(t.PostParam[184], 5.0f);
+    EXPECT_EQ(t.PostParam[57], 5.0f);
+    EXPECT_EQ(t.PostText[28], "5");
+    EXPECT_EQ(t.PostText[26], "Stn 5");
+    EXPECT_EQ(t.PostText[27], "RND10");
+    t.PostMemo[0] = 12;  // the machine stands at station 12
+    SelectTool(f.State, Tool("A", "RND10", 10, 1, 10));
+    // 5 - 12 = -7, plus 20 stations is 13, more than half: the other way round, 7.
+    EXPECT_EQ(t.PostParam[184], 7.0f);
+    t.PostParam[192] = 0;
+    SelectTool(f.State, Tool("A", "RND10", 10, 1, 10));
+    EXPECT_EQ(t.PostParam[184], 13.0f);
+    EXPECT_EQ(t.PostParam[57], 5.0f);  // the first tool's station stays
+}
+
+TEST(SelectTool, RotatingToolMatchesTheIdxRowAndAddsTheTimersOfTheStationInWork) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {"A,RND10,10,0,0,0,0,1,1", "C,SQ20,20,0,0,0,idx,2,2"});
+    ValueTables& t = f.State.Tables;
+    t.PostMemo[0] = 5;
+    for (int i = 204; i <= 207; ++i) t.PostParam[i] = static_cast<float>(i - 200);
+    SelectTool(f.State, Tool("C", "SQ20", 20, 2, 20, 33));
+    EXPECT_EQ(t.PostMachine[0], 12.0f);
+    EXPECT_EQ(t.PostParam[67], 20.0f);
+    EXPECT_EQ(t.PostParam[64], 33.0f);
+    EXPECT_EQ(t.PostMemo[12], -999.0f);
+    const auto& times = f.State.Job.ToolTimes[5];
+    EXPECT_EQ(times[1], 4.0f);
+    EXPECT_EQ(times[4], 7.0f);
+}
+
+TEST(SelectTool, AngleTextOfTheStepMustMatchTheRow) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {"E,RECT,10,0,0,0,90,3,2"});
+    SelectTool(f.State, Tool("E", "RECT", 10, 3, 10, 0));
+    EXPECT_EQ(f.State.Tables.PostMachine[0], 0.0f);
+    SelectTool(f.State, Tool("E", "RECT", 10, 3, 10, 90));
+    EXPECT_EQ(f.State.Tables.PostMachine[0], 12.0f);
+}
+
+TEST(ToolChanged, NoToolIsNoChange) {
+    JobFixture f(PunchBlocks());
+    ToolSpec none;
+    EXPECT_FALSE(ToolChanged(f.State, none));
+    EXPECT_EQ(f.State.Tables.PostMachine[12], 0.0f);
+}
+
+TEST(ToolChanged, ChangeToARotatingToolKeepsItsMemo) {
+    JobFixture f(PunchBlocks());
+    f.State.Tables.PostMemo[17] = 5;
+    EXPECT_TRUE(ToolChanged(f.State, Tool("C", "SQ", 10, 1, 20)));
+    EXPECT_TRUE(f.State.Loop.ToolRotates);
+    EXPECT_EQ(f.State.Tables.PostMachine[12], -999.0f);
+    EXPECT_EQ(f.State.Tables.PostMemo[17], 5.0f);
+}
+
+TEST(ToolChanged, ChangeToAFixedToolClearsTheAngleCells) {
+    JobFixture f(PunchBlocks());
+    f.State.Loop.ToolRotates = true;
+    EXPECT_TRUE(ToolChanged(f.State, Tool("A", "RND", 10, 1, 10)));
+    EXPECT_FALSE(f.State.Loop.ToolRotates);
+    EXPECT_EQ(f.State.Tables.PostMemo[12], -999.0f);
+    EXPECT_EQ(f.State.Tables.PostMachine[17], -999.0f);
+    EXPECT_EQ(f.State.Tables.PostMemo[17], -999.0f);
+}
+
+TEST(ToolChanged, SameToolWithOtherPaddingIsNoChange) {
+    JobFixture f(PunchBlocks());
+    CopyTool(Tool("A", "RND", 10, 1, 10), f.State.Loop.CurrentTool);
+    ToolSpec same = Tool("A", "  RND", 10, 1, 10);
+    same.ToolAngle = 90;  // the angle is not compared
+    same.WorkType = 11;   // nor the work type
+    EXPECT_FALSE(ToolChanged(f.State, same));
+}
+
+TEST(FamilyFiveToolCode, ShapesAndAngles) {
+    JobFixture f(PunchBlocks());
+    f.State.Tables.PostText[25] = "07";
+    ToolSpec t = Tool("A", "RND", 10.5f, 1, 10);
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "A", t), "07101050");
+    t.Size[2] = 20;
+    t.ToolStep = 90;
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "B", t), "07301050");
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "D", t), "0740200001050");
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "F", t), "0770105002000");
+    t.ToolStep = 180;
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "D", t), "0740105002000");
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "F", t), "0780105002000");
+    t.ToolStep = 45;
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "B", t), "07907");
+    EXPECT_EQ(FamilyFiveToolCode(f.State, "E", t), "07907");
+}
+
+TEST(PrepareRecord, RecordWithoutToolSelectsStationRowZeroWhenTheStationMoved) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {"A,RND10,10,0,0,0,0,1,1"});
+    f.State.Tables.PostMachine[0] = 5;
+    f.State.Tables.PostMemo[0] = 3;
+    f.State.Loop.Record.EntityCode = 311;
+    PrepareRecord(f.State);
+    EXPECT_EQ(f.State.Tables.PostMachine[0], 0.0f);
+    // Without a move of the station the tool stays.
+    f.State.Tables.PostMachine[0] = 5;
+    f.State.Tables.PostMemo[0] = 5;
+    PrepareRecord(f.State);
+    EXPECT_EQ(f.State.Tables.PostMachine[0], 5.0f);
+}
+
+TEST(PrepareRecord, RoundToolLosesItsAngles) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {});
+    DrawRecord& r = f.State.Loop.Record;
+    r.ToolA = Tool("A", "R", 5, 1, 10, 30);
+    r.ToolA.ToolAngle = -30;
+    r.ToolB = Tool("C", "S", 5, 1, 10, 30);
+    r.ToolB.ToolAngle = 400;
+    PrepareRecord(f.State);
+    EXPECT_EQ(r.ToolA.ToolStep, 0.0f);
+    EXPECT_EQ(r.ToolA.ToolAngle, 0.0f);
+    EXPECT_EQ(r.ToolB.ToolAngle, 40.0f);
+    EXPECT_EQ(r.ToolB.ToolStep, 30.0f);
+}
+
+TEST(GenerationLoop, DrawingOfRecordOneOnlyMakesOneFetchPastTheEnd) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {});
+    DrawRecord header;
+    header.EntityCode = 1;
+    header.RecordCount = 1;
+    OpenDrawing(f.State.Loop.MainDrawing, f.Path("Progmain.drw"));
+    WriteRecord(f.State.Loop.MainDrawing, 1, header);
+    f.State.Job.RecordTotal = 1;
+    RunGenerationLoop(f.State);
+    EXPECT_EQ(f.State.Loop.RecordIndex, 2);
+    EXPECT_EQ(f.State.Loop.Record.EntityCode, 0);
+    EXPECT_EQ(f.Program(), "");
+}
+
+TEST(GenerationLoop, RadiusArcOfMinus90IsPunchedAtItsWorkingStart) {
+    JobFixture f(PunchBlocks());
+    Turret(f, {});
+    DrawRecord arc;
+    arc.EntityCode = 130;
+    arc.Side = 1;
+    arc.Value[11] = -90;
+    arc.Point[5] = SinglePoint{3, 4};
+    arc.Point[3] = SinglePoint{9, 9};
+    arc.ToolA = Tool("M", "RAD", 5, 1, 10);
+    f.State.Loop.Record = arc;
+    DispatchRecord(f.State);
+    arc.Side = -1;
+    f.State.Loop.Record = arc;
+    DispatchRecord(f.State);  // the other turning direction is no corner
+    EXPECT_EQ(f.Program(), "PX3.000Y4.000\r\n");
+}
+
+TEST(GenerationLoop, RecordsWithoutAToolAreNotPunched) {
+    JobFixture f(PunchBlocks());
+    DrawRecord hit;
+    hit.EntityCode = 210;
+    f.State.Loop.Record = hit;
+    DispatchRecord(f.State);
+    hit.EntityCode = 171;
+    f.State.Loop.Record = hit;
+    DispatchRecord(f.State);
+    EXPECT_EQ(f.Program(), "");
+}

@@ -1,0 +1,124 @@
+// End-to-end jobs. Each folder of tests/jobs holds an installation tree (tree/), the job's
+// drawing in JSON (drawing.json, built into tree/work/Progmain.drw), and what the run must
+// leave: expected/status (the exit status), optional expected/stderr, optional
+// expected/absent (paths that must not exist), and every other file under expected/,
+// compared byte for byte with the file of the same path in the run's tree. "@DIR@" in any
+// file stands for the run's directory.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+#include "common/paths.h"
+#include "common/textfile.h"
+#include "drawing/drawjson.h"
+#include "job/post_main.h"
+#include "test_support.h"
+
+namespace fs = std::filesystem;
+using namespace tvx;
+
+namespace {
+
+std::string ReadBytes(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+void WriteBytes(const fs::path& path, const std::string& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << bytes;
+}
+
+std::string Substitute(std::string text, const std::string& dir) {
+    const std::string mark = "@DIR@";
+    for (size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + dir.size()))
+        text.replace(at, mark.size(), dir);
+    return text;
+}
+
+std::vector<std::string> JobNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(fs::path(TORVANEX_TEST_DATA) / "jobs"))
+        if (entry.is_directory() && fs::exists(entry.path() / "expected")) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Captures what the run writes to stderr.
+struct StderrCapture {
+    fs::path File;
+    int Saved = -1;
+    explicit StderrCapture(const fs::path& file) : File(file) {
+        std::fflush(stderr);
+        Saved = dup(2);
+        FILE* f = std::fopen(file.c_str(), "wb");
+        dup2(fileno(f), 2);
+        std::fclose(f);
+    }
+    std::string Finish() {
+        std::fflush(stderr);
+        dup2(Saved, 2);
+        close(Saved);
+        return ReadBytes(File);
+    }
+};
+
+}  // namespace
+
+class JobTest : public testing::TestWithParam<std::string> {};
+
+TEST_P(JobTest, RunsAsExpected) {
+    const fs::path source = fs::path(TORVANEX_TEST_DATA) / "jobs" / GetParam();
+    TempDir run;
+    const fs::path root = run.Path;
+    const std::string dir = run.Path;
+    for (const auto& entry : fs::recursive_directory_iterator(source / "tree")) {
+        const fs::path target = root / fs::relative(entry.path(), source / "tree");
+        if (entry.is_directory()) fs::create_directories(target);
+        else if (entry.path().filename() != ".keep") WriteBytes(target, Substitute(ReadBytes(entry.path()), dir));
+        else fs::create_directories(target.parent_path());
+    }
+    if (fs::exists(source / "drawing.json")) {
+        const std::string drawing = DrawingFromJson(ReadBytes(source / "drawing.json"), "drawing.json");
+        WriteBytes(root / "work" / "Progmain.drw", drawing);
+    }
+
+    StderrCapture capture(root / "stderr.txt");
+    const int status = RunJob((root / "work").string());
+    const std::string errors = capture.Finish();
+
+    const fs::path expected = source / "expected";
+    const int wantedStatus = std::stoi(ReadBytes(expected / "status"));
+    EXPECT_EQ(status, wantedStatus) << errors;
+    if (fs::exists(expected / "stderr")) {
+        EXPECT_EQ(errors, Substitute(ReadBytes(expected / "stderr"), dir));
+    }
+    if (fs::exists(expected / "absent")) {
+        std::istringstream absent(ReadBytes(expected / "absent"));
+        for (std::string path; std::getline(absent, path);)
+            if (!path.empty()) {
+                EXPECT_FALSE(fs::exists(root / path)) << path << " should not exist";
+            }
+    }
+    for (const auto& entry : fs::recursive_directory_iterator(expected)) {
+        if (!entry.is_regular_file()) continue;
+        const fs::path relative = fs::relative(entry.path(), expected);
+        const std::string name = relative.string();
+        if (name == "status" || name == "stderr" || name == "absent") continue;
+        ASSERT_TRUE(fs::exists(root / relative)) << name << " was not written";
+        EXPECT_EQ(ReadBytes(root / relative), Substitute(ReadBytes(entry.path()), dir)) << "in " << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Jobs, JobTest, testing::ValuesIn(JobNames()),
+                         [](const testing::TestParamInfo<std::string>& info) {
+                             std::string name = info.param;
+                             for (char& c : name)
+                                 if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+                             return name;
+                         });
