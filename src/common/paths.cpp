@@ -98,6 +98,24 @@ void CopyFileTo(std::string_view source, std::string_view destination) {
     if (ec) FileFault("Cannot copy to file", std::string(destination));
 }
 
+void CopyFileAtomically(std::string_view source, std::string_view destination) {
+    const std::string from = FindPath(source);
+    if (!FileExists(from)) FileFault("File not found", std::string(source));
+    const std::string to = FindPath(destination);
+    const std::string temporary = to + ".part";
+    std::error_code ec;
+    fs::copy_file(from, temporary, fs::copy_options::overwrite_existing, ec);
+    if (ec) {
+        fs::remove(temporary, ec);
+        FileFault("Cannot write file", std::string(destination));
+    }
+    fs::rename(temporary, to, ec);
+    if (ec) {
+        fs::remove(temporary, ec);
+        FileFault("Cannot write file", std::string(destination));
+    }
+}
+
 void DeleteFile(std::string_view path) {
     const std::string found = FindPath(path);
     std::error_code ec;

@@ -29,6 +29,10 @@ std::vector<std::string> ListFiles(std::string_view directory, std::string_view 
 // The names of the subdirectories of a directory that match a wildcard pattern, in the same
 // order as ListFiles. A directory that cannot be listed gives no names.
 std::vector<std::string> ListDirectories(std::string_view directory, std::string_view pattern);
+// Copies a file so that a reader never sees the copy half written: a temporary file beside the
+// destination, then a rename. A missing source is the file fault; a destination that cannot be
+// written is the fault "Cannot write file".
+void CopyFileAtomically(std::string_view source, std::string_view destination);
 // Renames a file, replacing the destination.
 void RenameFile(std::string_view from, std::string_view to);
 // True when a wildcard pattern matches a name, without regard to case.

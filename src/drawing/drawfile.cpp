@@ -258,11 +258,16 @@ void OpenDrawing(DrawingFile& file, const std::string& path) {
         f = FileExists(path) ? std::fopen(native.c_str(), "rb") : std::fopen(native.c_str(), "w+b");
     }
     if (!f) FileFault("Cannot open file", path);
+    std::setvbuf(f, nullptr, _IOFBF, 1 << 16);
     file.Path = path;
     file.File.reset(f);
+    file.ReadPosition = -1;
 }
 
-void CloseDrawing(DrawingFile& file) { file.File.reset(); }
+void CloseDrawing(DrawingFile& file) {
+    file.File.reset();
+    file.ReadPosition = -1;
+}
 
 bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
 
@@ -272,7 +277,10 @@ void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
     std::FILE* f = file.File.get();
     char buffer[RecordLength];
     size_t got = 0;
-    if (::fseeko(f, position, SEEK_SET) == 0) got = std::fread(buffer, 1, RecordLength, f);
+    const bool inTurn = file.ReadPosition == static_cast<int64_t>(position);
+    file.ReadPosition = -1;
+    if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = std::fread(buffer, 1, RecordLength, f);
+    if (got == RecordLength) file.ReadPosition = static_cast<int64_t>(position) + static_cast<int64_t>(RecordLength);
     if (std::ferror(f)) {
         std::clearerr(f);
         FileFault("Cannot read file", file.Path);
@@ -292,6 +300,7 @@ void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
     const off_t position = RecordPosition(file, number);
     std::FILE* f = file.File.get();
     const RecordBytes bytes = EncodeRecord(record);
+    file.ReadPosition = -1;
     if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, RecordLength, f) != RecordLength ||
         std::fflush(f) != 0) {
         std::clearerr(f);
@@ -302,6 +311,7 @@ void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
 int32_t RecordsOnDisk(DrawingFile& file) {
     RequireOpen(file);
     std::FILE* f = file.File.get();
+    file.ReadPosition = -1;
     if (::fseeko(f, 0, SEEK_END) != 0) FileFault("Cannot read file", file.Path);
     const off_t size = ::ftello(f);
     if (size < 0) FileFault("Cannot read file", file.Path);

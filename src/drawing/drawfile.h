@@ -79,6 +79,9 @@ DrawRecord DecodeRecord(std::string_view bytes);
 struct DrawingFile {
     std::string Path;  // as opened, for messages
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
+    // Where the stream stands after a read of this handle, -1 when not known: a read of the
+    // next record in turn goes on without a seek, so that a walk is read through the buffer.
+    int64_t ReadPosition = -1;
 };
 
 // Opens a drawing for random access, making an empty file when there is none; a file that may

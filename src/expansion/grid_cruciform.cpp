@@ -75,8 +75,12 @@ void CruciformPass(RunState& state, const std::string& drawing) {
     for (int32_t n = 1; n <= count && n <= onDisk; ++n) {
         DrawRecord record;
         ReadRecord(file, n, record);
-        if (IsRadiusPunchArc(record)) ArcToPunch(state, record);
-        WriteRecord(file, n, record);
+        // Every record is put back at its number; one that did not change is the same bytes, so
+        // only a replaced arc is written.
+        if (IsRadiusPunchArc(record)) {
+            ArcToPunch(state, record);
+            WriteRecord(file, n, record);
+        }
         SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
     }
     CloseDrawing(file);

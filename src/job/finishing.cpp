@@ -190,8 +190,8 @@ void FamilyPasses(RunState& state) {
 }
 
 void MakeJobCopies(RunState& state) {
-    WriteFileAtomically(state.Job.JobPath + ".prg", ReadAllBytes(state.Job.ProgramFile));
-    WriteFileAtomically(state.Job.JobPath + ".rpt", ReadAllBytes(state.Job.ReportFile));
+    CopyFileAtomically(state.Job.ProgramFile, state.Job.JobPath + ".prg");
+    CopyFileAtomically(state.Job.ReportFile, state.Job.JobPath + ".rpt");
 }
 
 }  // namespace tvx

@@ -21,6 +21,15 @@ namespace {
 
 bool HasTool(const DrawRecord& record) { return record.ToolA.Present != 0; }
 
+// The last record of a part drawing that the walk reads: its RecordCount, but never more than
+// one record past the end of the file. A damaged count beyond the file would only walk records
+// of zeros, which match no tool.
+int32_t PartWalkLimit(RunState& state) {
+    LoopState& loop = state.Loop;
+    const int32_t onDisk = RecordsOnDisk(loop.PartDrawing);
+    return loop.PartRecordCount > onDisk + 1 ? onDisk + 1 : loop.PartRecordCount;
+}
+
 // Reads the next record of a working stream (Shape.drw, AssTool.drw) into `into`; a record of
 // code 0 ends the stream and closes its file.
 void ReadWorkingStream(DrawingFile& file, bool& active, int32_t& index, DrawRecord& into) {
@@ -338,7 +347,7 @@ bool FetchRecord(RunState& state) {
                 loop.PartMatch = false;
             }
             if (wholeParts) loop.PartMatch = loop.PartIndex <= loop.PartRecordCount;
-        } while (!loop.PartMatch && loop.PartIndex < loop.PartRecordCount);
+        } while (!loop.PartMatch && loop.PartIndex < PartWalkLimit(state));
         if (loop.PartMatch) {
             CopyRecord(loop.PartRecord, loop.Record);
             return true;
@@ -430,6 +439,12 @@ std::string OpenPartDrawing(RunState& state, DrawRecord& record) {
 
 void RunGenerationLoop(RunState& state) {
     LoopState& loop = state.Loop;
+    // A RecordCount beyond the records of the file would walk records of zeros for nothing: the
+    // walk goes at most one record past the end of the file.
+    if (IsOpen(loop.MainDrawing)) {
+        const int32_t onDisk = RecordsOnDisk(loop.MainDrawing);
+        if (state.Job.RecordTotal > onDisk + 1) state.Job.RecordTotal = onDisk + 1;
+    }
     for (;;) {
         if (!FetchRecord(state)) break;
         PrepareRecord(state);

@@ -96,3 +96,12 @@ TEST(Paths, ListDirectoriesGivesSubdirectoriesOnlyInNameOrder) {
     EXPECT_EQ(ListDirectories(dir.Path, "b*").size(), 1u);
     EXPECT_TRUE(ListDirectories(dir.Path + "/none", "*").empty());
 }
+TEST(Paths, AtomicCopyLeavesNoTemporaryAndNeedsTheDirectory) {
+    TempDir dir;
+    WriteAllLines(dir.Path + "/a.prg", {"N1"});
+    CopyFileAtomically(dir.Path + "/a.prg", dir.Path + "/JOB.prg");
+    EXPECT_EQ(ReadAllBytes(dir.Path + "/JOB.prg"), "N1\r\n");
+    EXPECT_EQ(ListFiles(dir.Path, "*.part").size(), 0u);
+    EXPECT_THROW(CopyFileAtomically(dir.Path + "/a.prg", dir.Path + "/missing/JOB.prg"), RunEnd);
+    EXPECT_THROW(CopyFileAtomically(dir.Path + "/none.prg", dir.Path + "/JOB.prg"), RunEnd);
+}
