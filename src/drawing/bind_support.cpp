@@ -1,5 +1,6 @@
 #include "drawing/bind_support.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/numeric.h"
@@ -147,14 +148,15 @@ void ShapeMeetingPoint(const DrawRecord& shape, double& x, double& y) {
     double dy = 0;
     switch (shape.EntityCode) {
         case 152:
-            // The right end of the flat, at (h - r) above the centre.
-            x = cx + std::sqrt(r * r - (second - r) * (second - r));
+            // The right end of the flat, at (h - r) above the centre; a flat that does not cut
+            // the circle has length 0.
+            x = cx + std::sqrt(std::max(0.0, r * r - (second - r) * (second - r)));
             y = cy + (second - r);
             RotatePoint(cx, cy, x, y, rotation);
             break;
         case 153:
             // The right end of the lower flat.
-            x = cx + std::sqrt(r * r - (second / 2) * (second / 2));
+            x = cx + std::sqrt(std::max(0.0, r * r - (second / 2) * (second / 2)));
             y = cy - second / 2;
             RotatePoint(cx, cy, x, y, rotation);
             break;
