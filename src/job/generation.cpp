@@ -10,6 +10,8 @@
 #include "definition/reserved_word.h"
 #include "drawing/drawfile.h"
 #include "emitters/emit_common.h"
+#include "emitters/paths.h"
+#include "emitters/profile.h"
 #include "emitters/punch.h"
 #include "emitters/stages.h"
 #include "expansion/passes.h"
@@ -157,6 +159,8 @@ void DispatchArc(RunState& state, DrawRecord& record) {
     if (IsRadiusPunchArc(record)) {
         ArcToPunch(state, record);
         if (HasTool(record)) EmitPunch(state, record);
+    } else if (HasTool(record)) {
+        EmitArcPath(state, record);
     }
 }
 
@@ -390,10 +394,20 @@ void PrepareRecord(RunState& state) {
 void DispatchRecord(RunState& state) {
     DrawRecord& record = state.Loop.Record;
     switch (record.EntityCode) {
+        case 110: EmitMove(state, record); break;
+        case 120:
+        case 220:
+        case 521:
+        case 522:
+            if (HasTool(record)) EmitLinePath(state, record);
+            break;
         case 130:
         case 230: DispatchArc(state, record); break;
         case 210:
             if (HasTool(record)) EmitPunch(state, record);
+            break;
+        case 225:
+            if (HasTool(record)) EmitGrid(state, record);
             break;
         case 311: EmitDwell(state, record); break;
         case 312: EmitPartChute(state, record); break;
