@@ -13,7 +13,7 @@
 
 #include "drawing/drawfile.h"
 #include "job/post_main.h"
-#include "tools/embedded_examples.h"
+#include "tools/demo_tool.h"
 
 namespace {
 
@@ -23,17 +23,7 @@ std::string Installation() {
     static std::string root;
     if (!root.empty()) return root;
     root = (fs::temp_directory_path() / ("torvanex-bench-job-" + std::to_string(::getpid()))).string();
-    for (const tvx::EmbeddedFile& file : tvx::EmbeddedExamples()) {
-        const std::string prefix = "punch/";
-        if (file.Path.substr(0, prefix.size()) != prefix) continue;
-        const fs::path target = fs::path(root) / std::string(file.Path.substr(prefix.size()));
-        fs::create_directories(target.parent_path());
-        if (file.Path.back() == '/') continue;
-        std::string bytes(file.Bytes);
-        for (size_t at = bytes.find("@DIR@"); at != std::string::npos; at = bytes.find("@DIR@", at))
-            bytes.replace(at, 5, root);
-        std::ofstream(target, std::ios::binary) << bytes;
-    }
+    tvx::UnpackExample("punch", root);
     return root;
 }
 

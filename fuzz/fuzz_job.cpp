@@ -10,7 +10,7 @@
 #include <string>
 
 #include "job/post_main.h"
-#include "tools/embedded_examples.h"
+#include "tools/demo_tool.h"
 
 namespace {
 
@@ -19,17 +19,7 @@ std::string Installation() {
     if (!root.empty()) return root;
     namespace fs = std::filesystem;
     root = (fs::temp_directory_path() / ("torvanex-fuzz-job-" + std::to_string(::getpid()))).string();
-    for (const tvx::EmbeddedFile& file : tvx::EmbeddedExamples()) {
-        const std::string prefix = "punch/";
-        if (file.Path.substr(0, prefix.size()) != prefix) continue;
-        const fs::path target = fs::path(root) / std::string(file.Path.substr(prefix.size()));
-        fs::create_directories(target.parent_path());
-        if (file.Path.back() == '/') continue;
-        std::string bytes(file.Bytes);
-        for (size_t at = bytes.find("@DIR@"); at != std::string::npos; at = bytes.find("@DIR@", at))
-            bytes.replace(at, 5, root);
-        std::ofstream(target, std::ios::binary) << bytes;
-    }
+    tvx::UnpackExample("punch", root);
     // Messages of the runs are not wanted on the fuzzer's screen.
     if (std::FILE* null = std::fopen("/dev/null", "w")) ::dup2(::fileno(null), 2);
     return root;

@@ -44,11 +44,9 @@ std::string ExampleNames() {
     return list;
 }
 
-int DemoCommand(const std::string& example, const std::string& directory, std::ostream& out) {
+bool UnpackExample(const std::string& example, const std::string& directory) {
     const std::string prefix = example + "/";
-    std::error_code ec;
-    const fs::path root = fs::absolute(directory.empty() ? fs::path("torvanex-demo") : fs::path(directory), ec);
-    const std::string dir = root.lexically_normal().string();
+    const fs::path root(directory);
     bool found = false;
     for (const EmbeddedFile& file : EmbeddedExamples()) {
         if (file.Path.substr(0, prefix.size()) != prefix) continue;
@@ -58,12 +56,20 @@ int DemoCommand(const std::string& example, const std::string& directory, std::o
             fs::create_directories(root / relative);
             continue;
         }
-        const std::string bytes = Substitute(file.Bytes, dir);
+        const std::string bytes = Substitute(file.Bytes, directory);
         if (relative == "drawing.json")
             WriteBytes(root / "work" / "Progmain.drw", DrawingFromJson(bytes, prefix + relative));
         WriteBytes(root / relative, bytes);
     }
-    if (!found) RunFault("No example installation named \"" + example + "\" (there are: " + ExampleNames() + ")");
+    return found;
+}
+
+int DemoCommand(const std::string& example, const std::string& directory, std::ostream& out) {
+    std::error_code ec;
+    const fs::path root = fs::absolute(directory.empty() ? fs::path("torvanex-demo") : fs::path(directory), ec);
+    const std::string dir = root.lexically_normal().string();
+    if (!UnpackExample(example, dir))
+        RunFault("No example installation named \"" + example + "\" (there are: " + ExampleNames() + ")");
 
     out << "Demo installation \"" << example << "\" unpacked into " << dir << "\n";
     out.flush();

@@ -7,6 +7,10 @@ namespace tvx {
 // `torvanex demo [--example NAME] [DIR]`: unpacks an example installation into DIR, runs its
 // job there and shows where the program and the report are, with the program's first lines.
 int DemoCommand(const std::string& example, const std::string& directory, std::ostream& out);
+// Writes the files of an example installation into a directory, "@DIR@" in them replaced by
+// the directory, and builds its drawing.json into work/Progmain.drw. False when there is no
+// example of that name.
+bool UnpackExample(const std::string& example, const std::string& directory);
 // The names of the example installations built in.
 std::string ExampleNames();
 
