@@ -218,7 +218,9 @@ TEST(GenerationLoop, DrawingOfRecordOneOnlyMakesOneFetchPastTheEnd) {
 }
 
 TEST(GenerationLoop, RadiusArcOfMinus90IsPunchedAtItsWorkingStart) {
-    JobFixture f(PunchBlocks());
+    std::vector<std::string> blocks = PunchBlocks();
+    for (const char* line : {"CANNED_NIBBLED_ARC=TRUE", "ARC PATH", "******"}) blocks.push_back(line);
+    JobFixture f(blocks);
     Turret(f, {});
     DrawRecord arc;
     arc.EntityCode = 130;
@@ -231,8 +233,8 @@ TEST(GenerationLoop, RadiusArcOfMinus90IsPunchedAtItsWorkingStart) {
     DispatchRecord(f.State);
     arc.Side = -1;
     f.State.Loop.Record = arc;
-    DispatchRecord(f.State);  // the other turning direction is no corner
-    EXPECT_EQ(f.Program(), "PX3.000Y4.000\r\n");
+    DispatchRecord(f.State);  // the other turning direction is no corner: a path of the arc
+    EXPECT_EQ(f.Program(), "PX3.000Y4.000\r\nARC PATH\r\n");
 }
 
 TEST(GenerationLoop, RecordsWithoutAToolAreNotPunched) {
