@@ -250,6 +250,8 @@ void BindArc(const MachineState& machine, DrawRecord& record) {
     } else {
         record.Value[13] = ToSingle(start);
         record.Value[14] = ToSingle(sweep);
+        // The working radius of a profiled arc is its radius; a worked arc sets it again below.
+        if (code == 130) record.Value[5] = record.Value[1];
     }
     if (code == 151) {
         // A straight lead on a circle is radial: outward on an outside circle, inward on an

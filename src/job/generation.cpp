@@ -312,12 +312,15 @@ void PrepareGeneration(RunState& state) {
             ApplySettingsStage(state, zero, "Z");
             if (state.Tables.PostMachine[159] >= 0) WriteBlock(state, "CANNED_PIERCESUB_END");
         }
+        // The lead, path and special settings: each loaded plainly, then written as its
+        // subroutine.
+        const char* digits[] = {"1", "2", "3"};
         const char* letters[] = {"Y", "X", "W"};
-        for (int stage = 1; stage <= 3; ++stage) {
-            LoadMaterialStage(state, std::to_string(stage));
-            if (FileExists(job.WorkDir + "MtrlStg." + std::to_string(stage))) {
+        for (int i = 0; i < 3; ++i) {
+            LoadMaterialStage(state, digits[i]);
+            if (FileExists(job.WorkDir + "MtrlStg." + digits[i])) {
                 int32_t zero = 0;
-                ApplySettingsStage(state, zero, letters[stage - 1]);
+                ApplySettingsStage(state, zero, letters[i]);
             }
         }
         LoadMaterialStage(state, "0");

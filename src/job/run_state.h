@@ -174,6 +174,20 @@ struct MachineState {
     std::array<ToolDefaultRecord, 5> ToolDefaults{};  // 1 to 4
 };
 
+// The settings stage last applied (stage files MtrlStg.n, PrflStg.n, PnchStg.n).
+struct StageState {
+    int32_t CurrentStage = 0;         // -1: none, the next stage is loaded whatever it is
+    std::string StageLetter;          // letter of the stage in question
+    std::string PreviousStageLetter;  // letter of the stage last applied
+};
+
+// The cutting head's path from block to block.
+struct CutPathState {
+    double LastX = 0, LastY = 0;  // end of the last move or profiled block
+    float CutAngle = 0;           // direction of cut at the end of the last block; -9999 after a gap
+    float CutTurn = 0;            // change of direction at the start of the block in work
+};
+
 // The generation loop's own registers.
 struct LoopState {
     int32_t RecordIndex = 1;   // the main drawing's current record
@@ -198,6 +212,8 @@ struct LoopState {
     DrawingFile ShapeDrawing;    // 11: Shape.drw
     DrawingFile PartDrawing;     // 12: the part drawing
     DrawingFile ToolingDrawing;  // 21: AssTool.drw
+    StageState Stages;
+    CutPathState CutPath;
 };
 
 struct RunState {
