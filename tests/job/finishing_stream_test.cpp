@@ -2,6 +2,7 @@
 // held definition files: read as streams, they give the bytes that the held texts give.
 #include <gtest/gtest.h>
 
+#include "common/paths.h"
 #include "common/textfile.h"
 #include "definition/definition_files.h"
 #include "definition/engine_rig.h"
@@ -65,4 +66,27 @@ TEST(FormatPass, GeneratedTextOverTheSizeLimitGivesTheBytesOfTheHeldText) {
     EXPECT_TRUE(held.Program == expected);
     EXPECT_EQ(streamed.Program.size(), held.Program.size());
     EXPECT_TRUE(streamed.Program == held.Program);
+}
+
+TEST(FamilyPasses, FamilyTenOverAProgramLongerThanTheReadBufferMovesEachG09LineUp) {
+    EngineRig rig({"A=TRUE", "x", "******"}, {"******"});
+    rig.CloseAll();
+    rig.State.Tables.PostParam[9] = 10;
+    std::vector<std::string> lines;
+    for (int i = 1; i <= 30000; ++i) lines.push_back((i % 7 == 0 ? "G09 N" : "N") + std::to_string(i));
+    WriteAllLines(rig.State.Job.ProgramFile, lines);
+    WriteAllLines(rig.State.Job.PlatinoFile, {"SUB"});
+    // Every seventh line is a G09 line: it changes places with the line above it; the
+    // second program file's line follows at the end.
+    std::string expected;
+    for (int i = 1; i <= 30000; ++i) {
+        if ((i + 1) % 7 == 0 && i + 1 <= 30000) continue;
+        if (i % 7 == 0) expected += "G09 N" + std::to_string(i) + "\r\nN" + std::to_string(i - 1) + "\r\n";
+        else expected += "N" + std::to_string(i) + "\r\n";
+    }
+    expected += "SUB\r\n";
+    FamilyPasses(rig.State);
+    EXPECT_GT(expected.size(), 2 * StreamBufferSize);
+    EXPECT_TRUE(ReadAllBytes(rig.State.Job.ProgramFile) == expected);
+    EXPECT_FALSE(FileExists(rig.State.Job.PlatinoFile));
 }
