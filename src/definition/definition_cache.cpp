@@ -78,6 +78,13 @@ bool ReadAsStream(DefinitionCache& cache, const std::string& path) {
     return !error && size > cache.HeldSizeLimit;
 }
 
+std::shared_ptr<DefinitionText> HeldDefinitionOf(DefinitionCache& cache, const std::string& path) {
+    // The quick case first: a definition file opened again and again by the same path.
+    if (auto exact = cache.ByExactPath.find(path); exact != cache.ByExactPath.end()) return exact->second;
+    if (ReadAsStream(cache, path)) return nullptr;
+    return CachedDefinition(cache, path);
+}
+
 int32_t FirstLineHolding(DefinitionText& text, const std::string& word) {
     if (auto known = text.FirstHolding.find(word); known != text.FirstHolding.end()) return known->second;
     int32_t result = -1;

@@ -75,6 +75,9 @@ void ForgetDefinition(DefinitionCache& cache, const std::string& path);
 // Whether a file is to be read as a stream rather than held: it is not held now, and the
 // system has written it or it is over the size limit.
 bool ReadAsStream(DefinitionCache& cache, const std::string& path);
+// The held text of a file as CachedDefinition gives it, or null for a file to be read as a
+// stream.
+std::shared_ptr<DefinitionText> HeldDefinitionOf(DefinitionCache& cache, const std::string& path);
 
 // The searches, as a read from the top of the file would do them.
 // First line holding `word` (a plain substring test), or -1.

@@ -56,12 +56,12 @@ void OpenDefinitionInput(RunState& state, int channel, const std::string& path) 
     EngineState& e = state.Engine;
     TextInput& in = InputChannel(state, channel);
     if (in.Open || (channel == ChannelSubroutines && IsOpen(e.SubroutineFile))) FileFault("File already open", path);
-    if (ReadAsStream(e.Cache, path)) {
+    auto text = HeldDefinitionOf(e.Cache, path);
+    if (!text) {
         OpenTextStream(in, path);
         e.HeldTexts[static_cast<size_t>(channel)].reset();
         return;
     }
-    auto text = CachedDefinition(e.Cache, path);
     OpenTextInputFromData(in, path, text->Data);
     e.HeldTexts[static_cast<size_t>(channel)] = std::move(text);
 }
