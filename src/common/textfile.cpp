@@ -1,6 +1,8 @@
 #include "common/textfile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -23,32 +25,105 @@ void OpenTextInput(TextInput& in, const std::string& path) {
 }
 
 void OpenTextInputFromData(TextInput& in, const std::string& path, std::shared_ptr<const std::string> data) {
+    CloseText(in);
     in.Path = path;
     in.Data = std::move(data);
-    in.Pos = 0;
     in.Open = true;
 }
 
+void OpenTextStream(TextInput& in, const std::string& path) {
+    CloseText(in);
+    const std::string found = FindPath(path);
+    std::FILE* f = DirectoryExists(found) ? nullptr : std::fopen(found.c_str(), "rb");
+    if (!f) FileFault("File not found", path);
+    in.Stream.reset(f);
+    // The reads go straight into the buffer of the input, not through a second one.
+    std::setvbuf(f, nullptr, _IONBF, 0);
+    long size = -1;
+    if (std::fseek(f, 0, SEEK_END) == 0) size = std::ftell(f);
+    if (size < 0 || std::fseek(f, 0, SEEK_SET) != 0) FileFault("File not found", path);
+    in.Path = path;
+    in.Size = static_cast<size_t>(size);
+    in.Open = true;
+}
+
+bool IsStreamed(const TextInput& in) { return in.Stream != nullptr; }
+
 void CloseText(TextInput& in) {
     in.Data.reset();
+    in.Stream.reset();
+    std::string().swap(in.Buffer);
+    in.Size = 0;
+    in.BufferStart = 0;
     in.Pos = 0;
     in.Open = false;
 }
 
-bool AtEnd(const TextInput& in) { return !in.Data || in.Pos >= in.Data->size(); }
+bool AtEnd(const TextInput& in) {
+    if (in.Stream) return in.Pos >= in.Size;
+    return !in.Data || in.Pos >= in.Data->size();
+}
 
 namespace {
 
 void PastEnd(const TextInput& in) { FileFault("Input past end of file", in.Path); }
 
-// Passes over one line end (CR LF, LF or CR) at the position, if there is one.
-void SkipLineEnd(const std::string& d, size_t& pos) {
-    if (pos < d.size() && d[pos] == '\r') {
-        ++pos;
-        if (pos < d.size() && d[pos] == '\n') ++pos;
-    } else if (pos < d.size() && d[pos] == '\n') {
-        ++pos;
+// Brings the byte at the read position of a stream into its buffer; false at the end of the
+// file. A file that has become shorter since it was opened ends where its bytes end.
+bool FillStream(TextInput& in) {
+    if (in.Pos >= in.BufferStart && in.Pos - in.BufferStart < in.Buffer.size()) return true;
+    if (in.Pos >= in.Size) return false;
+    std::FILE* f = in.Stream.get();
+    if (in.Pos != in.BufferStart + in.Buffer.size() &&
+        (in.Pos > static_cast<size_t>(LONG_MAX) || std::fseek(f, static_cast<long>(in.Pos), SEEK_SET) != 0)) {
+        in.Size = in.Pos;
+        in.Buffer.clear();
+        return false;
     }
+    const size_t wanted = std::min(StreamBufferSize, in.Size - in.Pos);
+    in.Buffer.resize(wanted);
+    const size_t got = std::fread(in.Buffer.data(), 1, wanted, f);
+    in.Buffer.resize(got);
+    in.BufferStart = in.Pos;
+    if (got < wanted) in.Size = in.Pos + got;
+    return got > 0;
+}
+
+// The byte at the read position, or -1 at the end of the file.
+int PeekByte(TextInput& in) {
+    if (in.Stream)
+        return FillStream(in) ? static_cast<unsigned char>(in.Buffer[in.Pos - in.BufferStart]) : -1;
+    if (!in.Data || in.Pos >= in.Data->size()) return -1;
+    return static_cast<unsigned char>((*in.Data)[in.Pos]);
+}
+
+// Passes over one line end (CR LF, LF or CR) at the read position, if there is one.
+void SkipLineEnd(TextInput& in) {
+    const int c = PeekByte(in);
+    if (c == '\r') {
+        ++in.Pos;
+        if (PeekByte(in) == '\n') ++in.Pos;
+    } else if (c == '\n') {
+        ++in.Pos;
+    }
+}
+
+bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
+
+// A line of a stream, which may run over any number of buffers.
+void ReadStreamLine(TextInput& in, std::string& line) {
+    line.clear();
+    bool any = false;
+    while (FillStream(in)) {
+        any = true;
+        const char* begin = in.Buffer.data() + (in.Pos - in.BufferStart);
+        const char* end = in.Buffer.data() + in.Buffer.size();
+        const char* stop = std::find_if(begin, end, IsLineEnd);
+        line.append(begin, stop);
+        in.Pos += static_cast<size_t>(stop - begin);
+        if (stop != end) break;
+    }
+    if (!any) PastEnd(in);
 }
 
 }  // namespace
@@ -56,12 +131,16 @@ void SkipLineEnd(const std::string& d, size_t& pos) {
 void ReadLine(TextInput& in, std::string& line) {
     if (!in.Open) FileFault("File not open", in.Path);
     if (AtEnd(in)) PastEnd(in);
-    const std::string& d = *in.Data;
-    size_t end = in.Pos;
-    while (end < d.size() && d[end] != '\r' && d[end] != '\n') ++end;
-    line.assign(d, in.Pos, end - in.Pos);
-    in.Pos = end;
-    SkipLineEnd(d, in.Pos);
+    if (in.Stream) {
+        ReadStreamLine(in, line);
+    } else {
+        const std::string& d = *in.Data;
+        size_t end = in.Pos;
+        while (end < d.size() && !IsLineEnd(d[end])) ++end;
+        line.assign(d, in.Pos, end - in.Pos);
+        in.Pos = end;
+    }
+    SkipLineEnd(in);
 }
 
 std::string ReadLine(TextInput& in) {
@@ -72,22 +151,30 @@ std::string ReadLine(TextInput& in) {
 
 std::string ReadItem(TextInput& in) {
     if (!in.Open) FileFault("File not open", in.Path);
-    const std::string& d = in.Data ? *in.Data : std::string();
-    size_t& p = in.Pos;
-    while (p < d.size() && (d[p] == ' ' || d[p] == '\t')) ++p;
-    if (p >= d.size()) PastEnd(in);
+    int c = PeekByte(in);
+    while (c == ' ' || c == '\t') {
+        ++in.Pos;
+        c = PeekByte(in);
+    }
+    if (c < 0) PastEnd(in);
     std::string item;
-    if (d[p] == '"') {
-        ++p;
-        while (p < d.size() && d[p] != '"') item += d[p++];
-        if (p < d.size()) ++p;  // closing quote
-        while (p < d.size() && d[p] != ',' && d[p] != '\r' && d[p] != '\n') ++p;
+    if (c == '"') {
+        ++in.Pos;
+        while ((c = PeekByte(in)) >= 0 && c != '"') {
+            item += static_cast<char>(c);
+            ++in.Pos;
+        }
+        if (c >= 0) ++in.Pos;  // closing quote
+        while ((c = PeekByte(in)) >= 0 && c != ',' && !IsLineEnd(static_cast<char>(c))) ++in.Pos;
     } else {
-        while (p < d.size() && d[p] != ',' && d[p] != '\r' && d[p] != '\n') item += d[p++];
+        while ((c = PeekByte(in)) >= 0 && c != ',' && !IsLineEnd(static_cast<char>(c))) {
+            item += static_cast<char>(c);
+            ++in.Pos;
+        }
         item = Trim(item);
     }
-    if (p < d.size() && d[p] == ',') ++p;
-    else SkipLineEnd(d, p);
+    if (c == ',') ++in.Pos;
+    else SkipLineEnd(in);
     return item;
 }
 

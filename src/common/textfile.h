@@ -10,19 +10,32 @@
 
 namespace tvx {
 
-// A text file open for input. Its bytes are held in memory (shared, so a definition read
-// many times is read from disk once); every read behaves as a sequential read of the file.
+// A text file open for input, in one of two forms that read alike. Held: its bytes are in
+// memory (shared, so a definition read many times is read from disk once). Streamed: the file
+// stays on disk and is read through a buffer of `StreamBufferSize` bytes, so that a text of
+// any length costs the same memory. Either way every read behaves as a sequential read of the
+// file as it was when opened, and `Pos` is the byte offset of the next read.
 struct TextInput {
     std::string Path;                        // as opened, for messages
-    std::shared_ptr<const std::string> Data; // the whole file
+    std::shared_ptr<const std::string> Data; // held: the whole file
     size_t Pos = 0;
     bool Open = false;
+    // Streamed: the file, its size when opened, and the bytes of the buffer from BufferStart.
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> Stream{nullptr, &std::fclose};
+    size_t Size = 0;
+    size_t BufferStart = 0;
+    std::string Buffer;
 };
+
+inline constexpr size_t StreamBufferSize = 1 << 16;
 
 // Opens a file for input; a missing file is the file fault "File not found: <path>".
 void OpenTextInput(TextInput& in, const std::string& path);
 // Opens in-memory text for input, as if it were the file `path`.
 void OpenTextInputFromData(TextInput& in, const std::string& path, std::shared_ptr<const std::string> data);
+// Opens a file for input as a stream; a missing file is the same file fault.
+void OpenTextStream(TextInput& in, const std::string& path);
+bool IsStreamed(const TextInput& in);
 void CloseText(TextInput& in);
 bool AtEnd(const TextInput& in);
 // Reads one whole line without its end. Reading at the end of the file is the fault

@@ -79,8 +79,44 @@ bool IsNumericallyZero(const PostValueType& value) {
 
 }  // namespace
 
+namespace {
+
+// The rolling search read line by line, for a word file read as a stream: from the read
+// position to the end, then once more from the top; a second end ends the search with the
+// last line read in the word line.
+void SearchStreamedWordLine(RunState& state, const std::string& word) {
+    EngineState& e = state.Engine;
+    TextInput& in = e.WordInput;
+    std::string line;
+    bool fromTop = false;
+    for (;;) {
+        if (AtEnd(in)) {
+            if (fromTop) return;
+            in.Pos = 0;
+            fromTop = true;
+            continue;
+        }
+        ReadLine(in, line);
+        bool unparsable = false;
+        const bool stop = IsWordLine(line, word, unparsable) || unparsable;
+        if (fromTop && AtEnd(in)) e.PostWordLine = line;
+        if (!stop) continue;
+        e.PostWordLine = line;
+        if (unparsable)
+            RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
+                     "\" of file " + state.Job.WordFile);
+        return;
+    }
+}
+
+}  // namespace
+
 void SearchWordLine(RunState& state, const std::string& word) {
     EngineState& e = state.Engine;
+    if (IsStreamed(e.WordInput)) {
+        SearchStreamedWordLine(state, word);
+        return;
+    }
     DefinitionText& text = HeldTextOf(state, ChannelWord);
     TextInput& in = e.WordInput;
     const std::vector<WordStop>& stops = WordStopsOf(text, word);

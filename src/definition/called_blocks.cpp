@@ -35,12 +35,10 @@ void StepBackLevel(RunState& state) {
 bool FindCalledWord(RunState& state, const std::string& name) {
     EngineState& e = state.Engine;
     OpenDefinitionInput(state, e.PostChannel, e.PostLevelFile);
-    DefinitionText& text = HeldTextOf(state, e.PostChannel);
-    TextInput& in = InputChannel(state, e.PostChannel);
-    const int32_t found = FirstCallableLine(text, name);
-    in.Pos = found < 0 ? text.Data->size() : text.After(found);
-    if (AtEnd(in)) PostAbort(state, "Reserved Word - " + name + " not found in file ");
-    return LineTruth(state, std::string(text.Line(found)));
+    std::string line;
+    PassFirstLineHolding(state, e.PostChannel, name, true, line);
+    if (AtEnd(InputChannel(state, e.PostChannel))) PostAbort(state, "Reserved Word - " + name + " not found in file ");
+    return LineTruth(state, line);
 }
 
 void ReadDefinitionLine(RunState& state, std::string& line) {

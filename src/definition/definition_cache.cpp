@@ -1,5 +1,8 @@
 #include "definition/definition_cache.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "common/numtext.h"
 #include "common/paths.h"
 #include "common/textfile.h"
@@ -58,8 +61,28 @@ void HoldDefinitionText(DefinitionCache& cache, const std::string& path, std::sh
 }
 
 void ForgetDefinition(DefinitionCache& cache, const std::string& path) {
-    cache.Files.erase(CacheKey(path));
+    const std::string key = CacheKey(path);
+    cache.Files.erase(key);
+    cache.Written.insert(key);
     cache.ByExactPath.clear();
+}
+
+bool ReadAsStream(DefinitionCache& cache, const std::string& path) {
+    if (cache.ByExactPath.count(path) != 0) return false;
+    const std::string key = CacheKey(path);
+    if (cache.Files.count(key) != 0) return false;
+    if (cache.StreamWrittenFiles && cache.Written.count(key) != 0) return true;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(FindPath(path), error);
+    // A file that cannot be sized is left to the held read, which names the fault.
+    return !error && size > cache.HeldSizeLimit;
+}
+
+std::shared_ptr<DefinitionText> HeldDefinitionOf(DefinitionCache& cache, const std::string& path) {
+    // The quick case first: a definition file opened again and again by the same path.
+    if (auto exact = cache.ByExactPath.find(path); exact != cache.ByExactPath.end()) return exact->second;
+    if (ReadAsStream(cache, path)) return nullptr;
+    return CachedDefinition(cache, path);
 }
 
 int32_t FirstLineHolding(DefinitionText& text, const std::string& word) {

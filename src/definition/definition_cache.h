@@ -4,12 +4,16 @@
 // up what a read from the top would find and remember the answer per word. An entry is
 // dropped when the system writes the file itself (the subroutine file, the temporary
 // program), so that a search never sees old text.
+// Only the small files of a definition are held. A file that the system writes during the run
+// grows with the job, and so may any file over `HeldSizeLimit`: these are read as streams,
+// and their searches read them from the top line by line.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace tvx {
@@ -47,6 +51,12 @@ struct DefinitionCache {
     std::unordered_map<std::string, std::shared_ptr<DefinitionText>> Files;
     // The same entries by the path exactly as the engine passed it, for the quick case.
     std::unordered_map<std::string, std::shared_ptr<DefinitionText>> ByExactPath;
+    // Files that the system has written during the run, by key.
+    std::unordered_set<std::string> Written;
+    // A file over this many bytes is read as a stream.
+    size_t HeldSizeLimit = size_t{1} << 20;
+    // Whether a file that the system has written is read as a stream whatever its size.
+    bool StreamWrittenFiles = true;
 };
 
 // Splits bytes into the lines of a definition text.
@@ -59,8 +69,15 @@ std::shared_ptr<DefinitionText> CachedDefinition(DefinitionCache& cache, const s
 void HoldDefinition(DefinitionCache& cache, const std::string& path, std::shared_ptr<const std::string> data);
 // Holds an existing text under a second path (a byte-for-byte copy of its file).
 void HoldDefinitionText(DefinitionCache& cache, const std::string& path, std::shared_ptr<DefinitionText> text);
-// Drops a file's entry: to be called whenever the file is written.
+// Drops a file's entry and notes the file as written by the system: to be called whenever the
+// file is written. Until it is held again, it is read as a stream.
 void ForgetDefinition(DefinitionCache& cache, const std::string& path);
+// Whether a file is to be read as a stream rather than held: it is not held now, and the
+// system has written it or it is over the size limit.
+bool ReadAsStream(DefinitionCache& cache, const std::string& path);
+// The held text of a file as CachedDefinition gives it, or null for a file to be read as a
+// stream.
+std::shared_ptr<DefinitionText> HeldDefinitionOf(DefinitionCache& cache, const std::string& path);
 
 // The searches, as a read from the top of the file would do them.
 // First line holding `word` (a plain substring test), or -1.

@@ -26,10 +26,13 @@ void SetDefinitionFiles(RunState& state) {
         ForgetDefinition(e.Cache, *copy);
         CopyFileTo(job.PostFile, *copy);
     }
-    // The copies hold the same bytes as the definition: they share its held text.
-    const auto text = CachedDefinition(e.Cache, job.PostFile);
-    for (const std::string* copy : {&job.SubFile1, &job.SubFile2, &job.SubFile3})
-        HoldDefinitionText(e.Cache, *copy, text);
+    // The copies hold the same bytes as the definition: they share its held text (or, for a
+    // definition too large to hold, are streams like it).
+    if (!ReadAsStream(e.Cache, job.PostFile)) {
+        const auto text = CachedDefinition(e.Cache, job.PostFile);
+        for (const std::string* copy : {&job.SubFile1, &job.SubFile2, &job.SubFile3})
+            HoldDefinitionText(e.Cache, *copy, text);
+    }
     job.SeqFile = job.WorkDir + "Program.seq";
 }
 
@@ -53,7 +56,12 @@ void OpenDefinitionInput(RunState& state, int channel, const std::string& path) 
     EngineState& e = state.Engine;
     TextInput& in = InputChannel(state, channel);
     if (in.Open || (channel == ChannelSubroutines && IsOpen(e.SubroutineFile))) FileFault("File already open", path);
-    auto text = CachedDefinition(e.Cache, path);
+    auto text = HeldDefinitionOf(e.Cache, path);
+    if (!text) {
+        OpenTextStream(in, path);
+        e.HeldTexts[static_cast<size_t>(channel)].reset();
+        return;
+    }
     OpenTextInputFromData(in, path, text->Data);
     e.HeldTexts[static_cast<size_t>(channel)] = std::move(text);
 }
@@ -67,9 +75,35 @@ DefinitionText& HeldTextOf(RunState& state, int channel) {
     TextInput& in = InputChannel(state, channel);
     auto& held = state.Engine.HeldTexts[static_cast<size_t>(channel)];
     if (!in.Open) FileFault("File not open", in.Path);
+    if (IsStreamed(in)) RunFault("No held text on a streamed channel: " + in.Path);
     // A channel opened outside the engine has no held text yet: split what it reads.
     if (!held || held->Data != in.Data) held = MakeDefinitionText(in.Path, in.Data);
     return *held;
+}
+
+void PassFirstLineHolding(RunState& state, int channel, const std::string& word, bool callable, std::string& line) {
+    TextInput& in = InputChannel(state, channel);
+    if (!in.Open) FileFault("File not open", in.Path);
+    const auto isCall = [callable](std::string_view text) { return callable && text.find("CALL") != std::string_view::npos; };
+    if (IsStreamed(in)) {
+        // Read from the top, as the engine always searched, until a line holds the word.
+        in.Pos = 0;
+        while (!AtEnd(in)) {
+            ReadLine(in, line);
+            if (line.find(word) != std::string::npos && !isCall(line)) return;
+        }
+        line.clear();
+        return;
+    }
+    DefinitionText& text = HeldTextOf(state, channel);
+    const int32_t found = callable ? FirstCallableLine(text, word) : FirstLineHolding(text, word);
+    if (found < 0) {
+        in.Pos = text.Data->size();
+        line.clear();
+    } else {
+        in.Pos = text.After(found);
+        line.assign(text.Line(found));
+    }
 }
 
 void OpenEngineOutput(RunState& state, TextOutput& output, const std::string& path, bool append) {

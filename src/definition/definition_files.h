@@ -22,8 +22,13 @@ TextInput& InputChannel(RunState& state, int channel);
 // is being written.
 void OpenDefinitionInput(RunState& state, int channel, const std::string& path);
 void CloseInputChannel(RunState& state, int channel);
-// The held text that an open input channel reads.
+// The held text that an open input channel reads; a streamed channel has none.
 DefinitionText& HeldTextOf(RunState& state, int channel);
+// Places an open input channel behind the first line of its file, from the top, that holds
+// `word` (with `callable`: and does not hold "CALL"), and gives that line; with no such line
+// the channel is at the end of its file and `line` is empty. A held text answers from what it
+// remembers, a streamed one is read line by line.
+void PassFirstLineHolding(RunState& state, int channel, const std::string& word, bool callable, std::string& line);
 
 // Opens an output of the engine (program, report, subroutine file, second program file),
 // emptying the file, and forgets any held text of that path.

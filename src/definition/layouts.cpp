@@ -27,12 +27,11 @@ double NextLayoutField(std::string& line, std::string& field) {
 
 bool FindLayoutWord(RunState& state, const std::string& word) {
     OpenDefinitionInput(state, ChannelLayout, state.Job.LayoutFile);
-    DefinitionText& text = HeldTextOf(state, ChannelLayout);
-    TextInput& in = state.Engine.LayoutInput;
-    const int32_t found = FirstLineHolding(text, word);
-    in.Pos = found < 0 ? text.Data->size() : text.After(found);
-    if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.LayoutFile);
-    return LineTruth(state, std::string(text.Line(found)));
+    std::string line;
+    PassFirstLineHolding(state, ChannelLayout, word, false, line);
+    if (AtEnd(state.Engine.LayoutInput))
+        PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.LayoutFile);
+    return LineTruth(state, line);
 }
 
 void NextLayoutLine(RunState& state, int16_t& mode) {

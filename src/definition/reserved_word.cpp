@@ -21,14 +21,13 @@ bool LineTruth(RunState& state, const std::string& line) {
 bool FindReservedWord(RunState& state, const std::string& word) {
     CloseInputChannel(state, ChannelDefinition);
     OpenDefinitionInput(state, ChannelDefinition, state.Job.PostFile);
-    DefinitionText& text = HeldTextOf(state, ChannelDefinition);
-    TextInput& in = state.Engine.DefinitionInput;
-    const int32_t found = FirstLineHolding(text, word);
-    in.Pos = found < 0 ? text.Data->size() : text.After(found);
+    std::string line;
+    PassFirstLineHolding(state, ChannelDefinition, word, false, line);
     // The test is on the end of the file, not on the match: a match in the last line is
     // taken as not found, so that a reserved word without a body is never a block.
-    if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.PostFile);
-    return LineTruth(state, std::string(text.Line(found)));
+    if (AtEnd(state.Engine.DefinitionInput))
+        PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.PostFile);
+    return LineTruth(state, line);
 }
 
 }  // namespace tvx

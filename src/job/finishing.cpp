@@ -69,6 +69,17 @@ namespace {
 
 std::string Work(const RunState& state, const char* name) { return state.Job.WorkDir + name; }
 
+// Writes the lines of a file to an output, each with CR LF, a line at a time.
+void CopyLines(const std::string& path, TextOutput& out) {
+    TextInput in;
+    OpenTextStream(in, path);
+    std::string line;
+    while (!AtEnd(in)) {
+        ReadLine(in, line);
+        WriteLine(out, line);
+    }
+}
+
 // The digits of a whole number, without sign or blank.
 std::string Digits(int64_t n) { return std::to_string(n < 0 ? -n : n); }
 
@@ -79,7 +90,7 @@ void FamilyOnePass(RunState& state) {
     ForgetDefinitionFile(state, temporary);
     CopyFileTo(program, temporary);
     TextInput in;
-    OpenTextInput(in, program);
+    OpenTextStream(in, program);
     bool sawCycle = false;
     std::string line;
     for (;;) {
@@ -101,9 +112,9 @@ void FamilyOnePass(RunState& state) {
         }
     }
     TextInput main;
-    OpenTextInput(main, program);
+    OpenTextStream(main, program);
     TextInput subs;
-    OpenTextInput(subs, temporary);
+    OpenTextStream(subs, temporary);
     TextOutput mainOut;
     OpenTextOutput(mainOut, Work(state, "Nisshinbo.prg"));
     TextOutput subOut;
@@ -143,10 +154,12 @@ void FamilyOnePass(RunState& state) {
     }
     CloseText(mainOut);
     CloseText(subOut);
+    CloseText(in);
+    CloseText(main);
+    CloseText(subs);
     TextOutput out;
     OpenTextOutput(out, program);
-    for (const char* part : {"Nisshinbo.prg", "Nisshinbo.sub", "Progend.prg"})
-        for (const std::string& s : ReadAllLines(Work(state, part))) WriteLine(out, s);
+    for (const char* part : {"Nisshinbo.prg", "Nisshinbo.sub", "Progend.prg"}) CopyLines(Work(state, part), out);
 }
 
 void FamilyTenPass(RunState& state) {
@@ -155,20 +168,21 @@ void FamilyTenPass(RunState& state) {
     {
         TextOutput out;
         OpenTextOutput(out, program, true);
-        for (const std::string& s : ReadAllLines(platino)) WriteLine(out, s);
+        CopyLines(platino, out);
     }
     DeleteFile(platino);
     {
-        const std::vector<std::string> lines = ReadAllLines(program);
+        TextInput in;
+        OpenTextStream(in, program);
         TextOutput out;
         OpenTextOutput(out, platino);
-        if (lines.empty()) FileFault("Input past end of file", program);
-        std::string p = lines.empty() ? std::string() : lines[0];
-        for (size_t i = 1; i < lines.size(); ++i) {
-            std::string q = lines[i];
+        std::string p = ReadLine(in);
+        std::string q;
+        while (!AtEnd(in)) {
+            ReadLine(in, q);
             if (Holds(q, "G09")) std::swap(p, q);
             WriteLine(out, p);
-            p = q;
+            std::swap(p, q);
         }
         WriteLine(out, p);
     }
