@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "common/fault.h"
 
 using namespace tvx;
@@ -136,4 +138,11 @@ TEST(TextForms, TrimTakesOnlyBlanks) {
 TEST(TextForms, UpperIsThatOfTheWesternCodePage) {
     EXPECT_EQ(Upper("abc=true"), "ABC=TRUE");
     EXPECT_EQ(Upper("\xe9\xac"), "\xc9\xac");  // e acute becomes E acute; the not sign stays
+}
+TEST(PlainText, SubnormalSingleReadsBackToItsOwnText) {
+    float value;
+    const uint32_t bits = 7809432;  // a subnormal single near 1.09E-38
+    std::memcpy(&value, &bits, sizeof value);
+    const std::string text = PlainText(value);
+    EXPECT_EQ(PlainText(static_cast<float>(LeadingNumber(text))), text);
 }
