@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang and runs each one for the given number of seconds
-# (default 10) over its seed corpus. Any crash or sanitizer report fails the run.
+# (default 10) over its seed corpus, from a fixed random seed (TORVANEX_FUZZ_SEED, default 1) so
+# that a run is repeatable. Any crash or sanitizer report fails the run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-10}
@@ -15,10 +16,10 @@ for target in build-fuzz/fuzz/fuzz_*; do
   seeds=fuzz/seeds/${name#fuzz_}
   echo "fuzz: $name for ${seconds}s"
   if [ -d "$seeds" ]; then
-    "$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 "$corpus" "$seeds" >"$corpus.log" 2>&1 \
+    "$target" -seed="${TORVANEX_FUZZ_SEED:-1}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 "$corpus" "$seeds" >"$corpus.log" 2>&1 \
       || { tail -40 "$corpus.log"; exit 1; }
   else
-    "$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 "$corpus" >"$corpus.log" 2>&1 \
+    "$target" -seed="${TORVANEX_FUZZ_SEED:-1}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 "$corpus" >"$corpus.log" 2>&1 \
       || { tail -40 "$corpus.log"; exit 1; }
   fi
 done
