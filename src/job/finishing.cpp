@@ -80,8 +80,8 @@ void CopyLines(const std::string& path, TextOutput& out) {
     }
 }
 
-// The digits of a whole number, without sign or blank.
-std::string Digits(int64_t n) { return std::to_string(n < 0 ? -n : n); }
+// The digits of a block number, without sign or blank.
+std::string Digits(int64_t n) { return LongText(ToInteger32(static_cast<double>(n < 0 ? -n : n), "block number")); }
 
 void FamilyOnePass(RunState& state) {
     const std::string program = Work(state, "Progmain.prg");
