@@ -2,6 +2,8 @@
 // values are worked out by hand in the comments; pi is 3.14159265.
 #include <gtest/gtest.h>
 
+#include "drawing/binding_support.h"
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -15,40 +17,13 @@ using namespace tvx;
 
 namespace {
 
-constexpr double P = 3.14159265;
+using bindtest::Machine;
+using bindtest::Made;
+using bindtest::WorkingTool;
+using bindtest::ExpectPoint;
+using bindtest::Bytes;
 
-MachineState Machine(int16_t turnSense = 0) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-DrawRecord Made(int16_t code) {
-    DrawRecord r;
-    r.EntityCode = code;
-    r.EntityName = EntityNameOfCode(code);
-    return r;
-}
-
-void WorkingTool(DrawRecord& r, const char* letter, float width, float length = 0, int16_t workType = 10) {
-    r.ToolA.Present = -1;
-    r.ToolA.Letter = letter;
-    r.ToolA.Size[1] = width;
-    r.ToolA.Size[2] = length;
-    r.ToolA.WorkType = workType;
-}
-
-void ExpectPoint(const SinglePoint& p, double x, double y, double tolerance = 1e-4) {
-    EXPECT_NEAR(p.X, x, tolerance);
-    EXPECT_NEAR(p.Y, y, tolerance);
-}
-
-std::string Bytes(const DrawRecord& r) {
-    const RecordBytes b = EncodeRecord(r);
-    return std::string(reinterpret_cast<const char*>(b.data()), b.size());
-}
+constexpr double P = Pi;  // the system's pi, 3.14159265
 
 // A line from (x1, y1) to (x2, y2), length and direction given as its writer would.
 DrawRecord Line(int16_t code, float x1, float y1, float x2, float y2, float length, float direction) {

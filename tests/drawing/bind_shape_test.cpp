@@ -2,6 +2,8 @@
 // the comments.
 #include <gtest/gtest.h>
 
+#include "drawing/binding_support.h"
+
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -14,13 +16,9 @@ using namespace tvx;
 
 namespace {
 
-MachineState Machine(int16_t turnSense = 0) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
+using bindtest::Machine;
+using bindtest::ExpectPoint;
+using bindtest::Bytes;
 
 DrawRecord Shape(int16_t code, float cx, float cy, float first, float second, float rotation = 0) {
     DrawRecord r;
@@ -32,23 +30,13 @@ DrawRecord Shape(int16_t code, float cx, float cy, float first, float second, fl
     return r;
 }
 
-void WorkingTool(DrawRecord& r, const char* letter, float width, float length = 0, float angle = 0) {
+void ShapeTool(DrawRecord& r, const char* letter, float width, float length = 0, float angle = 0) {
     r.ToolA.Present = -1;
     r.ToolA.Letter = letter;
     r.ToolA.Size[1] = width;
     r.ToolA.Size[2] = length;
     r.ToolA.WorkType = 10;
     r.ToolA.ToolAngle = angle;
-}
-
-void ExpectPoint(const SinglePoint& p, double x, double y, double tolerance = 1e-4) {
-    EXPECT_NEAR(p.X, x, tolerance);
-    EXPECT_NEAR(p.Y, y, tolerance);
-}
-
-std::string Bytes(const DrawRecord& r) {
-    const RecordBytes b = EncodeRecord(r);
-    return std::string(reinterpret_cast<const char*>(b.data()), b.size());
 }
 
 // ---- Single-D ---------------------------------------------------------------------------------------
@@ -263,7 +251,7 @@ TEST(BindShapeWorked, ShapeWithoutAToolIgnoresTheToolsSizes) {
     ExpectPoint(noTool.Extent[1], plain.Extent[1].X, plain.Extent[1].Y, 0);
     ExpectPoint(noTool.Margin[2], plain.Margin[2].X, plain.Margin[2].Y, 0);
     DrawRecord profiled = Shape(156, 100, 50, 10, 5);
-    WorkingTool(profiled, "C", 100, 100);
+    ShapeTool(profiled, "C", 100, 100);
     profiled.ToolA.WorkType = 5;
     BindRecord(Machine(), profiled);
     EXPECT_EQ(profiled.Value[1], 10.0f);
@@ -273,7 +261,7 @@ TEST(BindShapeWorked, ShapeWithoutAToolIgnoresTheToolsSizes) {
 TEST(BindShapeWorked, SideZeroBecomesInsideAndTheBoxFollowsTheToolsPath) {
     // Inside, a 5 by 5 tool: 2.5 in from each side: 35 by 15 about (100,50).
     DrawRecord inside = Shape(156, 100, 50, 40, 20);
-    WorkingTool(inside, "C", 5, 5);
+    ShapeTool(inside, "C", 5, 5);
     BindRecord(Machine(), inside);
     EXPECT_EQ(inside.Side, -1);
     ExpectPoint(inside.Extent[1], 82.5, 42.5);
@@ -281,7 +269,7 @@ TEST(BindShapeWorked, SideZeroBecomesInsideAndTheBoxFollowsTheToolsPath) {
     // Outside: 2.5 out: 45 by 25.
     DrawRecord outside = Shape(156, 100, 50, 40, 20);
     outside.Side = 1;
-    WorkingTool(outside, "C", 5, 5);
+    ShapeTool(outside, "C", 5, 5);
     BindRecord(Machine(), outside);
     ExpectPoint(outside.Extent[1], 77.5, 37.5);
     ExpectPoint(outside.Extent[2], 122.5, 62.5);
@@ -291,7 +279,7 @@ TEST(BindShapeWorked, ToolLargerThanTheShapeMakesTheShape) {
     // Tool 12 by 8 turned like the shape (0, or 180): 10 by 6 becomes 12 by 8.
     for (float angle : {0.0f, 180.0f}) {
         DrawRecord r = Shape(156, 0, 0, 10, 6);
-        WorkingTool(r, "E", 12, 8, angle);
+        ShapeTool(r, "E", 12, 8, angle);
         BindRecord(Machine(), r);
         EXPECT_EQ(r.Value[1], 12.0f);
         EXPECT_EQ(r.Value[2], 8.0f);
@@ -300,14 +288,14 @@ TEST(BindShapeWorked, ToolLargerThanTheShapeMakesTheShape) {
     // with Value[2] (12 > 6, taken).
     for (float angle : {90.0f, 270.0f}) {
         DrawRecord r = Shape(156, 0, 0, 10, 6);
-        WorkingTool(r, "E", 12, 8, angle);
+        ShapeTool(r, "E", 12, 8, angle);
         BindRecord(Machine(), r);
         EXPECT_EQ(r.Value[1], 10.0f);
         EXPECT_EQ(r.Value[2], 12.0f);
     }
     // The tool's turn is its angle plus its step, against the shape's rotation.
     DrawRecord stepped = Shape(156, 0, 0, 10, 6, 30);
-    WorkingTool(stepped, "E", 12, 8, 20);
+    ShapeTool(stepped, "E", 12, 8, 20);
     stepped.ToolA.ToolStep = 10;
     BindRecord(Machine(), stepped);
     EXPECT_EQ(stepped.Value[1], 12.0f);
@@ -315,7 +303,7 @@ TEST(BindShapeWorked, ToolLargerThanTheShapeMakesTheShape) {
 
 TEST(BindShapeWorked, ToolAtAnotherAngleMakesTheShapeOnlyForRoundAndSquarePunches) {
     DrawRecord other = Shape(156, 0, 0, 10, 6);
-    WorkingTool(other, "E", 12, 8, 45);
+    ShapeTool(other, "E", 12, 8, 45);
     other.Count[1] = 3;
     BindRecord(Machine(), other);
     EXPECT_EQ(other.Value[1], 10.0f);
@@ -323,7 +311,7 @@ TEST(BindShapeWorked, ToolAtAnotherAngleMakesTheShapeOnlyForRoundAndSquarePunche
     EXPECT_EQ(other.Count[1], 0);
     for (const char* letter : {"A", "B", "D"}) {
         DrawRecord r = Shape(156, 0, 0, 10, 6);
-        WorkingTool(r, letter, 12, 8, 45);
+        ShapeTool(r, letter, 12, 8, 45);
         BindRecord(Machine(), r);
         EXPECT_EQ(r.Value[1], 12.0f) << letter;
         EXPECT_EQ(r.Value[2], 8.0f) << letter;
@@ -333,7 +321,7 @@ TEST(BindShapeWorked, ToolAtAnotherAngleMakesTheShapeOnlyForRoundAndSquarePunche
 TEST(BindShapeWorked, RoundTooLargeForASingleDGivesItsRadius) {
     // Diameter 20 against a round tool of 25: the radius becomes 12.5, the diameter 25.
     DrawRecord r = Shape(152, 0, 0, 10, 15);
-    WorkingTool(r, "A", 25);
+    ShapeTool(r, "A", 25);
     BindRecord(Machine(), r);
     EXPECT_EQ(r.Value[1], 12.5f);
     EXPECT_EQ(r.Value[5], 25.0f);
@@ -344,7 +332,7 @@ TEST(BindShapeWorked, RoundTooLargeForASingleDGivesItsRadius) {
 TEST(BindShapeWorked, SingleDPunchOverwritesTheShapeWithItsOwnSizes) {
     // A "G" of 24 by 18 on a Single-D of 20 across and 15: radius 12, 18, diameter 24.
     DrawRecord r = Shape(152, 0, 0, 10, 15);
-    WorkingTool(r, "G", 24, 18);
+    ShapeTool(r, "G", 24, 18);
     BindRecord(Machine(), r);
     EXPECT_EQ(r.Value[1], 12.0f);
     EXPECT_EQ(r.Value[2], 18.0f);
@@ -352,7 +340,7 @@ TEST(BindShapeWorked, SingleDPunchOverwritesTheShapeWithItsOwnSizes) {
     EXPECT_EQ(r.Count[3], -1);
     // A "G" smaller than the shape is the shape's punch all the same.
     DrawRecord small = Shape(152, 0, 0, 10, 15);
-    WorkingTool(small, "G", 16, 12);
+    ShapeTool(small, "G", 16, 12);
     BindRecord(Machine(), small);
     EXPECT_EQ(small.Value[1], 8.0f);
     EXPECT_EQ(small.Value[2], 12.0f);
@@ -360,11 +348,11 @@ TEST(BindShapeWorked, SingleDPunchOverwritesTheShapeWithItsOwnSizes) {
 
 TEST(BindShapeWorked, RoundPunchWithinToleranceOfAnObroundsHeightTakesItsSize) {
     DrawRecord r = Shape(154, 0, 0, 40, 10);
-    WorkingTool(r, "A", 10.005f);
+    ShapeTool(r, "A", 10.005f);
     BindRecord(Machine(), r);
     EXPECT_EQ(r.Value[2], 10.005f);
     DrawRecord far = Shape(154, 0, 0, 40, 10);
-    WorkingTool(far, "A", 9.9f);
+    ShapeTool(far, "A", 9.9f);
     BindRecord(Machine(), far);
     EXPECT_EQ(far.Value[2], 10.0f);
 }
@@ -373,18 +361,18 @@ TEST(BindShapeWorked, ObroundPunchFillsAnInsideObroundsLength) {
     // "F" of 20 by 10 inside 50 by 10: straight 40; (40 - 20) / (20 - 10) = 2, a whole number:
     // 1 + 2 - 1 = 2 hits.
     DrawRecord two = Shape(154, 0, 0, 50, 10);
-    WorkingTool(two, "F", 20, 10);
+    ShapeTool(two, "F", 20, 10);
     BindRecord(Machine(), two);
     EXPECT_EQ(two.Count[1], 2);
     // 55 by 10: straight 45; 2.5: 1 + 2 = 3 hits.
     DrawRecord three = Shape(154, 0, 0, 55, 10);
-    WorkingTool(three, "F", 20, 10);
+    ShapeTool(three, "F", 20, 10);
     BindRecord(Machine(), three);
     EXPECT_EQ(three.Count[1], 3);
     // 20.005 long: within the tolerance of the tool's 20: one hit, the length is the tool's,
     // and the box is the point at the centre.
     DrawRecord one = Shape(154, 5, 6, 20.005f, 10);
-    WorkingTool(one, "F", 20, 10);
+    ShapeTool(one, "F", 20, 10);
     BindRecord(Machine(), one);
     EXPECT_EQ(one.Value[1], 20.0f);
     EXPECT_EQ(one.Count[1], 1);
@@ -392,14 +380,14 @@ TEST(BindShapeWorked, ObroundPunchFillsAnInsideObroundsLength) {
     ExpectPoint(one.Extent[2], 5, 6, 0);
     // An inside obround's height is the tool's width.
     DrawRecord wide = Shape(154, 0, 0, 50, 12);
-    WorkingTool(wide, "F", 20, 10);
+    ShapeTool(wide, "F", 20, 10);
     BindRecord(Machine(), wide);
     EXPECT_EQ(wide.Value[2], 10.0f);
     // Outside, the count is the writer's.
     DrawRecord outside = Shape(154, 0, 0, 50, 10);
     outside.Side = 1;
     outside.Count[1] = 7;
-    WorkingTool(outside, "F", 20, 10);
+    ShapeTool(outside, "F", 20, 10);
     BindRecord(Machine(), outside);
     EXPECT_EQ(outside.Count[1], 7);
 }
@@ -407,7 +395,7 @@ TEST(BindShapeWorked, ObroundPunchFillsAnInsideObroundsLength) {
 TEST(BindShapeWorked, CountOfOneMakesTheExtentThePointAtTheCentre) {
     DrawRecord r = Shape(156, 100, 50, 40, 20);
     r.Count[1] = 1;
-    WorkingTool(r, "C", 5, 5);
+    ShapeTool(r, "C", 5, 5);
     BindRecord(Machine(), r);
     ExpectPoint(r.Extent[1], 100, 50, 0);
     ExpectPoint(r.Extent[2], 100, 50, 0);
@@ -415,7 +403,7 @@ TEST(BindShapeWorked, CountOfOneMakesTheExtentThePointAtTheCentre) {
 
 TEST(BindShapeWorked, WorkedDimensionsAreSizes) {
     DrawRecord r = Shape(156, 0, 0, -40, -20);
-    WorkingTool(r, "C", 5, 5);
+    ShapeTool(r, "C", 5, 5);
     BindRecord(Machine(), r);
     EXPECT_EQ(r.Value[1], 40.0f);
     EXPECT_EQ(r.Value[2], 20.0f);
@@ -426,7 +414,7 @@ TEST(BindShapeWorked, ComboMachineBindsThePlainForm) {
     combo.IsComboMachine = true;
     combo.IsToolMachine = false;
     DrawRecord r = Shape(156, 0, 0, 10, 6);
-    WorkingTool(r, "E", 12, 8);
+    ShapeTool(r, "E", 12, 8);
     BindRecord(combo, r);
     EXPECT_EQ(r.Value[1], 10.0f);
     EXPECT_EQ(r.Side, 0);
@@ -443,13 +431,13 @@ TEST(BindShape, BoundTwiceIsTheSame) {
     records.push_back(rad);
     records.push_back(Shape(156, 3, 4, 40, 20, 75));
     DrawRecord worked152 = Shape(152, 0, 0, 10, 15);
-    WorkingTool(worked152, "G", 24, 18);
+    ShapeTool(worked152, "G", 24, 18);
     records.push_back(worked152);
     DrawRecord worked154 = Shape(154, 0, 0, 55, 12);
-    WorkingTool(worked154, "F", 20, 10);
+    ShapeTool(worked154, "F", 20, 10);
     records.push_back(worked154);
     DrawRecord worked156 = Shape(156, 0, 0, 10, 6, 90);
-    WorkingTool(worked156, "E", 12, 8, 0);
+    ShapeTool(worked156, "E", 12, 8, 0);
     records.push_back(worked156);
     for (DrawRecord r : records) {
         BindRecord(Machine(), r);

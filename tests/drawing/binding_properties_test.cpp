@@ -18,7 +18,7 @@ using namespace tvx;
 
 namespace {
 
-constexpr double P = 3.14159265;
+constexpr double P = Pi;  // the system's pi, 3.14159265
 
 MachineState Machine(int16_t turnSense) {
     MachineState m;

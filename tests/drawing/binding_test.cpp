@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "drawing/binding_support.h"
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -15,38 +17,11 @@ using namespace tvx;
 
 namespace {
 
-MachineState Machine(int16_t turnSense = 0) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-DrawRecord Made(int16_t code) {
-    DrawRecord r;
-    r.EntityCode = code;
-    r.EntityName = EntityNameOfCode(code);
-    return r;
-}
-
-void WorkingTool(DrawRecord& r, const char* letter, float width, float length = 0, int16_t workType = 10) {
-    r.ToolA.Present = -1;
-    r.ToolA.Letter = letter;
-    r.ToolA.Size[1] = width;
-    r.ToolA.Size[2] = length;
-    r.ToolA.WorkType = workType;
-}
-
-void ExpectPoint(const SinglePoint& p, double x, double y, double tolerance = 1e-4) {
-    EXPECT_NEAR(p.X, x, tolerance);
-    EXPECT_NEAR(p.Y, y, tolerance);
-}
-
-std::string Bytes(const DrawRecord& r) {
-    const RecordBytes b = EncodeRecord(r);
-    return std::string(reinterpret_cast<const char*>(b.data()), b.size());
-}
+using bindtest::Machine;
+using bindtest::Made;
+using bindtest::WorkingTool;
+using bindtest::ExpectPoint;
+using bindtest::Bytes;
 
 // ---- ArcTurn ------------------------------------------------------------------------------------
 

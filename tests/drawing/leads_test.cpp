@@ -2,6 +2,8 @@
 // leads take in the boxes. Expected values are worked out by hand in the comments.
 #include <gtest/gtest.h>
 
+#include "drawing/binding_support.h"
+
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -15,32 +17,12 @@ using namespace tvx;
 
 namespace {
 
-constexpr double P = 3.14159265;
+using bindtest::Machine;
+using bindtest::Made;
+using bindtest::ExpectPoint;
+using bindtest::Bytes;
 
-MachineState Machine(int16_t turnSense = 0) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-DrawRecord Made(int16_t code) {
-    DrawRecord r;
-    r.EntityCode = code;
-    r.EntityName = EntityNameOfCode(code);
-    return r;
-}
-
-void ExpectPoint(const SinglePoint& p, double x, double y, double tolerance = 1e-4) {
-    EXPECT_NEAR(p.X, x, tolerance);
-    EXPECT_NEAR(p.Y, y, tolerance);
-}
-
-std::string Bytes(const DrawRecord& r) {
-    const RecordBytes b = EncodeRecord(r);
-    return std::string(reinterpret_cast<const char*>(b.data()), b.size());
-}
+constexpr double P = Pi;  // the system's pi, 3.14159265
 
 // The line (0,0)-(100,0), bound.
 DrawRecord XLine(const MachineState& m) {
