@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -13,7 +13,7 @@
 #include "definition/post_abort.h"
 #include "definition/post_value.h"
 #include "definition/word_lines.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

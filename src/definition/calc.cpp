@@ -6,7 +6,7 @@
 #include "common/fault.h"
 #include "common/numeric.h"
 #include "common/numtext.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

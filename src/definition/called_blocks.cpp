@@ -5,7 +5,7 @@
 #include "definition/definition_files.h"
 #include "definition/post_abort.h"
 #include "definition/reserved_word.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

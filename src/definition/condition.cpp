@@ -6,7 +6,7 @@
 #include "common/numeric.h"
 #include "common/numtext.h"
 #include "definition/post_abort.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "common/fault.h"
 #include "common/paths.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

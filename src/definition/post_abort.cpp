@@ -1,7 +1,7 @@
 #include "definition/post_abort.h"
 
 #include "common/fault.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -4,7 +4,7 @@
 #include "definition/condition.h"
 #include "definition/definition_files.h"
 #include "definition/post_abort.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -7,7 +7,7 @@
 #include "common/numtext.h"
 #include "definition/post_abort.h"
 #include "definition/post_value.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -5,7 +5,7 @@
 #include <initializer_list>
 
 #include "drawing/record.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx::bind {
 

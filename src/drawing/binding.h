@@ -15,7 +15,7 @@
 #include <cstdint>
 
 #include "drawing/record.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

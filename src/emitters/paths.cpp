@@ -12,7 +12,7 @@
 #include "emitters/profile.h"
 #include "emitters/punch.h"
 #include "expansion/passes.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

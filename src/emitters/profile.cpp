@@ -11,7 +11,7 @@
 #include "emitters/emit_common.h"
 #include "emitters/punch.h"
 #include "emitters/stages.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "splitting/single_profile.h"
 
 namespace tvx {

@@ -8,7 +8,7 @@
 #include "definition/post_abort.h"
 #include "drawing/binding.h"
 #include "emitters/emit_common.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

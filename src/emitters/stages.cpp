@@ -6,7 +6,7 @@
 #include "common/paths.h"
 #include "common/textfile.h"
 #include "emitters/emit_common.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

@@ -6,7 +6,7 @@
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "ui/progress.h"
 
 namespace tvx {

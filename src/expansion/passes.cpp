@@ -1,7 +1,7 @@
 #include "expansion/passes.h"
 
 #include "common/paths.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

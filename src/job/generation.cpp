@@ -15,7 +15,7 @@
 #include "emitters/punch.h"
 #include "emitters/stages.h"
 #include "expansion/passes.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "ui/progress.h"
 
 namespace tvx {

@@ -4,7 +4,7 @@
 #include "common/textfile.h"
 #include "config/config.h"
 #include "definition/definition_files.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -7,7 +7,7 @@
 #include "common/textfile.h"
 #include "config/config.h"
 #include "definition/post_abort.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -14,7 +14,7 @@
 #include "job/generation.h"
 #include "job/job_start.h"
 #include "job/preparation.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "ui/progress.h"
 
 namespace tvx {

@@ -8,7 +8,7 @@
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
 #include "job/job_values.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 

@@ -14,7 +14,7 @@
 #include "definition/post_value.h"
 #include "definition/reserved_word.h"
 #include "job/finishing.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx {
 
