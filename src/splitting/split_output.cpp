@@ -57,7 +57,7 @@ void AppendRecord(SplitOutput& out, const DrawRecord& source, const DrawRecord& 
     ++*out.OutputCount;
     if (out.File != nullptr) {
         WriteRecord(*out.File, *out.OutputCount, record);
-    } else {
+    } else if (out.Records != nullptr) {
         out.Records->push_back(record);
     }
 }

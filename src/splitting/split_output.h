@@ -40,7 +40,8 @@ inline constexpr int32_t MostRecordsFromOneEntity = 100000;
 
 struct SplitOutput {
     const MachineState* Machine = nullptr;
-    // The random-access drawing that the records go to; when null they go to Records.
+    // The random-access drawing that the records go to; when null they go to Records, and
+    // when both are null they are only counted.
     DrawingFile* File = nullptr;
     std::vector<DrawRecord>* Records = nullptr;
     // The number of the last record written; each write adds 1 and writes there.
