@@ -52,5 +52,8 @@ TEST(LaserExample, ArcsStartAndEndOnTheCircleOfTheirCentre) {
         if (hasX) x = ex;
         if (hasY) y = ey;
     }
-    EXPECT_EQ(arcs, 6);  // the corner, the lead-in arc and four half circles
+    // The corner, the lead-in arc and four half circles of the contours; the two mounting holes
+    // with their lead-in arcs (four), the two slots (three arcs each, the right-hand end in two
+    // quarters) and the four corners of the rounded cut-out.
+    EXPECT_EQ(arcs, 20);
 }
