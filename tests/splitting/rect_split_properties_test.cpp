@@ -8,9 +8,11 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
+#include <limits>
 #include <string>
 #include <vector>
 
+#include "common/fault.h"
 #include "common/numeric.h"
 #include "drawing/binding.h"
 #include "drawing/record.h"
@@ -267,5 +269,46 @@ RC_GTEST_PROP(RectSplitProperties, TheHitsOfAWorkedSideLandOnIt, ()) {
             RC_ASSERT(along >= -tolerance);
             RC_ASSERT(along <= length + tolerance);
         }
+    }
+}
+
+// A damaged record (dimensions, angles or tool sizes that are 0, huge, not finite or not a
+// number) ends the split cleanly or as a fault of the run, never as a crash.
+RC_GTEST_PROP(RectSplitProperties, ADamagedRecordEndsCleanlyOrAsAFault, ()) {
+    const auto anyValue = [] {
+        return static_cast<float>(*rc::gen::oneOf(
+            rc::gen::element(0.0, -0.0, 1e30, -1e30, 3e38, static_cast<double>(std::numeric_limits<float>::infinity()),
+                             -static_cast<double>(std::numeric_limits<float>::infinity()),
+                             static_cast<double>(std::numeric_limits<float>::quiet_NaN())),
+            rc::gen::map(rc::gen::inRange(-100000, 100000), [](int v) { return v / 100.0; })));
+    };
+    DrawRecord shape;
+    shape.EntityCode = *rc::gen::element<int16_t>(155, 156);
+    shape.Point[1] = SinglePoint{anyValue(), anyValue()};
+    shape.Point[4] = SinglePoint{anyValue(), anyValue()};
+    for (int i : {1, 2, 3, 4, 5, 10}) shape.Value[i] = anyValue();
+    shape.Side = *rc::gen::element<int16_t>(-1, 0, 1, 2);
+    shape.Count[1] = *rc::gen::element<int16_t>(0, 1);
+    for (ToolSpec* tool : {&shape.ToolA, &shape.ToolB}) {
+        tool->Present = *rc::gen::element<int16_t>(0, -1);
+        tool->Letter = *rc::gen::element<std::string>("A", "C", "E", "M", "P");
+        for (int i = 1; i <= 4; ++i) tool->Size[i] = anyValue();
+        tool->WorkType = *rc::gen::element<int16_t>(1, 10, 20);
+        tool->ToolAngle = anyValue();
+        tool->ToolStep = anyValue();
+    }
+    shape.LeadIn.LeadKind = *rc::gen::element<int16_t>(0, 1);
+    shape.LeadIn.LeadLength = anyValue();
+    shape.LeadOut.LeadKind = *rc::gen::element<int16_t>(0, 1);
+    shape.LeadOut.LeadLength = anyValue();
+    const std::vector<Routine> routines = {SplitRadRect,        SplitRectangle,         SplitRadRectRound,
+                                           ClearRectByGrid,     SplitRadRectEdges,      SplitRadRectEdgesRotary,
+                                           SplitRectangleWorked, SplitRectangleLeads,   SplitRadRectLeads};
+    const Routine routine = routines[*rc::gen::inRange<size_t>(0, routines.size())];
+    try {
+        const std::vector<DrawRecord> r = Split(routine, shape, 0);
+        RC_ASSERT(r.size() <= 11u);
+    } catch (const RunEnd& end) {
+        RC_ASSERT(end.Status == ExitFault);
     }
 }
