@@ -13,7 +13,7 @@
 #include "definition/block_writer.h"
 #include "definition/definition_files.h"
 #include "definition/reserved_word.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 using namespace tvx;
 

@@ -13,7 +13,7 @@
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "drawing/record.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace {
 

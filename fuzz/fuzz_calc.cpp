@@ -7,7 +7,7 @@
 
 #include "common/fault.h"
 #include "definition/calc.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "common/fault.h"
 #include "definition/condition.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     tvx::RunState state;

@@ -15,7 +15,7 @@
 #include "common/paths.h"
 #include "common/textfile.h"
 #include "config/config.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace {
 

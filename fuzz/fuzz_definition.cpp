@@ -17,7 +17,7 @@
 #include "definition/definition_files.h"
 #include "definition/reserved_word.h"
 #include "job/finishing.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace {
 
