@@ -1016,27 +1016,81 @@ TEST(SplitObroundPunched, InsideLetterFShorterThanTheShapeIsTheRowWhateverTheToo
 
 // Outside: the rim on the path 10 + 2.5 = 12.5, arcs of length 12.5 pi = 39.2699, over 5 = 7.85,
 // n = 8, step 180 / 7 = 25.714. Lines still take their Side by the sweep as if inside: -1 on
-// convention 1 (1 on convention 0); arcs take s = 1; no FollowFlag. An "F" outside is the same
-// rim: the one-hit and row tests are for inside only.
+// convention 1 (1 on convention 0); arcs take s = 1; no FollowFlag.
 TEST(SplitObroundPunched, OutsideIsTheRimAndTheLinesSideDoesNotDependOnIt) {
-    for (const char* letter : {"C", "F"}) {
-        for (const int16_t sense : {int16_t{1}, int16_t{0}}) {
-            const MachineState m = ComboMachine(sense);
-            const DrawRecord shape = Bound(Machine(sense), PunchedShape(154, 40, 20, 5, 1, letter, 5, 5));
-            const std::vector<DrawRecord> r = Split(SplitObroundPunched, m, shape);
-            ASSERT_EQ(r.size(), 4u) << letter;
-            const int16_t lineSide = sense == 1 ? -1 : 1;
-            EXPECT_EQ(r[0].Side, lineSide);
-            EXPECT_EQ(r[2].Side, lineSide);
-            EXPECT_EQ(r[1].Side, 1);
-            EXPECT_EQ(r[3].Side, 1);
-            EXPECT_EQ(r[1].Count[1], 8);
-            EXPECT_EQ(r[1].Value[12], 25.714f);
-            EXPECT_EQ(r[0].Count[1], 5);
-            for (const DrawRecord& made : r) EXPECT_EQ(made.FollowFlag, 0);
-            ExpectAfter(r[3]);
-        }
+    for (const int16_t sense : {int16_t{1}, int16_t{0}}) {
+        const MachineState m = ComboMachine(sense);
+        const DrawRecord shape = Bound(Machine(sense), PunchedShape(154, 40, 20, 5, 1, "C", 5, 5));
+        const std::vector<DrawRecord> r = Split(SplitObroundPunched, m, shape);
+        ASSERT_EQ(r.size(), 4u);
+        const int16_t lineSide = sense == 1 ? -1 : 1;
+        ExpectLine(r[0], -10, -10, 10, -10, 20, 0, lineSide);
+        ExpectArc(r[1], 10, 0, 10, 270, 180, 1, 10, -10, 10, 10);
+        ExpectLine(r[2], 10, 10, -10, 10, 20, 180, lineSide);
+        ExpectArc(r[3], -10, 0, 10, 90, 180, 1, -10, 10, -10, -10);
+        EXPECT_EQ(r[1].Count[1], 8);
+        EXPECT_EQ(r[1].Value[12], 25.714f);
+        EXPECT_EQ(r[3].Count[1], 8);
+        EXPECT_EQ(r[0].Count[1], 5);
+        EXPECT_EQ(r[0].Value[2], 5.0f);
+        for (const DrawRecord& made : r) EXPECT_EQ(made.FollowFlag, 0);
+        ExpectAfter(r[3]);
     }
+}
+
+// Outside, the obround punch "F", even one of the shape's own size (40 x 20), is no single hit:
+// the one-hit and row tests are for inside only. The rim as above, on the path 10 + 20 / 2 =
+// 20: arcs of length 20 pi = 62.8319, over 5 = 12.57, n = 13, step 180 / 12 = 15.
+TEST(SplitObroundPunched, OutsideLetterFIsNotOneHit) {
+    const MachineState m = ComboMachine();
+    const DrawRecord shape = Bound(Machine(1), PunchedShape(154, 40, 20, 5, 1, "F", 40, 20));
+    const std::vector<DrawRecord> r = Split(SplitObroundPunched, m, shape);
+    ASSERT_EQ(r.size(), 4u);
+    EXPECT_EQ(r[0].EntityCode, 120);
+    EXPECT_EQ(r[1].Count[1], 13);
+    EXPECT_EQ(r[1].Value[12], 15.0f);
+    ExpectAfter(r[3]);
+}
+
+// ================================= Damaged records =========================================
+
+// A tool of width 0 inside a circle to be cleared: the first ring of radius 1.5 * 0 = 0 would
+// count its hits over the tool's radius 0. The run ends as a fault instead.
+TEST(SplitCirclePunched, ClearingWithAToolOfWidthZeroEndsAsAFault) {
+    const MachineState m = Machine(1);
+    DrawRecord shape = PunchedCircle(0, 0, 10, 3, -1, "A", 0);
+    shape.Count[3] = -1;
+    shape = Bound(m, shape);
+    std::vector<DrawRecord> records;
+    int32_t count = 0;
+    SplitOutput out = ListOutput(m, records, count, MainPathChoices, "record 7 of Progmain.drw");
+    int status = 0;
+    const std::string text = FaultOf([&] { SplitCirclePunched(out, shape); }, status);
+    EXPECT_EQ(status, ExitFault);
+    EXPECT_EQ(text.rfind("Cannot split record 7 of Progmain.drw (code 151): a punched arc of length 0 has a pitch of 0", 0),
+              0u)
+        << text;
+    EXPECT_EQ(count, 1);  // the centre hit
+}
+
+// A damaged tool of width 0.0001 in a hole of radius 100: rings 0.000075 apart, each with more
+// hits than the one before (m = floor(2 pi q / r) + 1 = 9.42 k + 1 on the k-th ring). The rings
+// stop at the first whose count no longer fits a count, k = 3477 (m = 32770), long before the bound on
+// an entity's records; the run ends as a fault.
+TEST(SplitCirclePunched, RingsOfADamagedToolStopAsAFault) {
+    const MachineState m = Machine(1);
+    DrawRecord shape = PunchedCircle(0, 0, 100, 3, -1, "A", 0.0001f);
+    shape.Count[3] = -1;
+    shape = Bound(m, shape);
+    std::vector<DrawRecord> records;
+    int32_t count = 0;
+    SplitOutput out = ListOutput(m, records, count, MainPathChoices, "record 7 of Progmain.drw");
+    int status = 0;
+    const std::string text = FaultOf([&] { SplitCirclePunched(out, shape); }, status);
+    EXPECT_EQ(status, ExitFault);
+    EXPECT_NE(text.find("the hits of a clearing ring"), std::string::npos) << text;
+    EXPECT_GT(count, 3000);
+    EXPECT_LT(count, 4000);
 }
 
 }  // namespace
