@@ -408,9 +408,9 @@ void SplitCirclePunched(SplitOutput& out, const DrawRecord& shape) {
     DrawRecord rim = MadeRecord(shape, 130);
     SetArcByCentre(rim, CentreOf(shape), radius, shape.Value[10], 360);
     rim.Value[3] = shape.Value[3];
-    rim.Value[12] = ToSingle(SplitQuotient(out, shape, 360, static_cast<double>(rimHits) - 1,
-                                           "a punched circle of path radius " + Trim(PlainText(pathRadius)) +
-                                               " is shorter than its pitch: it has one hit, and its step divides by 0"));
+    const std::string shortRim = "a punched circle of path radius " + Trim(PlainText(pathRadius)) +
+                                 " is shorter than its pitch: it has one hit, and its step divides by 0";
+    rim.Value[12] = ToSingle(SplitQuotient(out, shape, 360, static_cast<double>(rimHits) - 1, shortRim));
     rim.Count[1] = CountCell(out, shape, rimHits, "the hits of a punched circle");
     rim.Count[2] = rotationFlag;
     rim.Side = shape.Side;

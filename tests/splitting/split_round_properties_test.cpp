@@ -167,8 +167,10 @@ RC_GTEST_PROP(SplitRoundProperties, EveryOutlineClosesAndItsLeadsJoinIt, ()) {
     CheckClosed(outline, ShapeSize(shape));
     // A lead-in ends where the outline starts, a lead-out starts where it ends.
     const double tolerance = PointTolerance(ShapeSize(shape));
-    if (records.front().Count[8] == 1) RC_ASSERT(Distance(records.front().Point[3], outline.front().Point[1]) <= tolerance);
-    if (records.back().Count[8] == 2) RC_ASSERT(Distance(records.back().Point[1], outline.back().Point[3]) <= tolerance);
+    if (records.front().Count[8] == 1)
+        RC_ASSERT(Distance(records.front().Point[3], outline.front().Point[1]) <= tolerance);
+    if (records.back().Count[8] == 2)
+        RC_ASSERT(Distance(records.back().Point[1], outline.back().Point[3]) <= tolerance);
     // The After goes on the last record at most, and nowhere else.
     for (size_t i = 0; i + 1 < records.size(); ++i) RC_ASSERT(records[i].After.ActionCode == 0);
 }

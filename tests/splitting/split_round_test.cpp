@@ -310,6 +310,24 @@ TEST(SplitObroundProfile, WidthEqualToLengthIsACircleInTwoArcsAndTwoLinesOfLengt
     ExpectArc(r[3], 0, 0, 5, 90, -180, 1, 0, 5, 0, -5);
 }
 
+// L 10, W 30: both dimensions above 0, but S = 10 - 30 = -20 is not, so the sweeps are -180 and
+// the path runs clockwise; the lines' Side follows that direction of the path: LineSide(1, cw)
+// = -1. XYToPolar(-10, 15) = 18.0278 at 123.6901: P1 = PolarToXY(d, 303.6901) = (10, -15);
+// P2 = P1 + PolarToXY(-20, 0) = (-10, -15); P3 = P2 + (0, 30) = (-10, 15); P4 = (10, 15). Arc 1
+// about (-10, 0) from 270 over -180 (through (-25, 0)), arc 2 about (10, 0) from 90 over -180.
+// Radius 15.
+TEST(SplitObroundProfile, AWidthAboveTheLengthRunsClockwiseAndItsLinesSideFollowsTheSweep) {
+    const MachineState m = Machine(1);
+    const DrawRecord shape = Bound(m, Shape(154, 0, 0, 10, 30, 0, 1));
+    const std::vector<DrawRecord> r = Split(SplitObroundProfile, m, shape);
+    ASSERT_EQ(r.size(), 4u);
+    ExpectLine(r[0], 10, -15, -10, -15, 20, 180, -1);
+    ExpectArc(r[1], -10, 0, 15, 270, -180, 1, -10, -15, -10, 15);
+    ExpectPoint(r[1].Point[2], -25, 0);
+    ExpectLine(r[2], -10, 15, 10, 15, 20, 0, -1);
+    ExpectArc(r[3], 10, 0, 15, 90, -180, 1, 10, 15, 10, -15);
+}
+
 // TurnSense 0: the lines of the counter-clockwise obround of Side 1 take LineSide(1, ccw) =
 // 1 * 1 * -1 = -1; the arcs keep the shape's Side 1 as it stands.
 TEST(SplitObroundProfile, OnlyTheLinesSideIsMappedNotTheArcs) {
@@ -571,7 +589,8 @@ DrawRecord PunchedCircle(float cx, float cy, float radius, float pitch, int16_t 
 // Outside circle at (50, 50), R 20, pitch 5, rotation 30, tool "B" of width 10 (r = 5),
 // Count[2] -1. The path radius is 25; l = 25 * 2 * pi = 157.0796; n = floor(31.4159) + 1 = 32;
 // one Arc Profile: centre (50, 50), Value[1] 20, Value[3] 5, Value[10] 30, Value[11] 360,
-// Value[12] 360 / 31 = 11.6129, Count[1] 32, Count[2] -1 (not "A"), Side 1, After.
+// Value[12] 360 / 31 = 11.612903 (not rounded to 3), Count[1] 32, Count[2] -1 (not "A"), Side 1,
+// After.
 // Bound on a tool machine: a whole circle of step 360/31 takes 31 hits; Value[3] becomes the
 // step's length at radius 20: 2 * pi * 20 / 31 = 4.0537; the ends at 30: (67.3205, 60).
 TEST(SplitCirclePunched, OutsideIsTheRimAtItsNominalRadius) {
@@ -705,16 +724,19 @@ TEST(SplitCirclePunched, OutsideAlwaysTakesTheRimEvenWithAToolLargerThanTheHole)
     EXPECT_EQ(r[0].Value[12], 20.0f);
 }
 
-// Count[3] 0 and a small tool: R 10, r 1 (width 2), pitch 2: no clearing, the rim alone: path
-// 9, l = 56.5487, n = floor(28.27) + 1 = 29, Value[12] = 360 / 28.
+// Count[3] 0 and a small tool: R 10, r 1 (width 2), pitch 2, Side 0 (inside): no clearing, the
+// rim alone: path 9, l = 56.5487, n = floor(28.27) + 1 = 29, Value[12] = 360 / 28 = 12.857143,
+// not rounded (the circle's own rule, unlike an arc's step of 3 decimals). The rim takes the
+// source's Side as it stands, 0, and no FollowFlag.
 TEST(SplitCirclePunched, WithoutClearingASmallToolGetsOnlyTheRim) {
     const MachineState m = ComboMachine();
-    const DrawRecord shape = Bound(Machine(1), PunchedCircle(0, 0, 10, 2, -1, "A", 2));
+    const DrawRecord shape = Bound(Machine(1), PunchedCircle(0, 0, 10, 2, 0, "A", 2));
     const std::vector<DrawRecord> r = Split(SplitCirclePunched, m, shape);
     ASSERT_EQ(r.size(), 1u);
     EXPECT_EQ(r[0].EntityCode, 130);
     EXPECT_EQ(r[0].Count[1], 29);
     EXPECT_EQ(r[0].Value[12], ToSingle(360.0 / 28));
+    EXPECT_EQ(r[0].Side, 0);
     EXPECT_EQ(r[0].FollowFlag, 0);
 }
 
@@ -871,7 +893,12 @@ TEST(SplitDoubleDPunched, InsideFlatArcFlatArcWithHits) {
             EXPECT_EQ(r[i].Count[1], 4);
             EXPECT_EQ(r[i].Value[12], 24.58f);
         }
-        for (const DrawRecord& made : r) EXPECT_EQ(made.FollowFlag, -1);
+        for (const DrawRecord& made : r) {
+            EXPECT_EQ(made.FollowFlag, -1);
+            EXPECT_EQ(made.ToolA.Letter.Text(), "A");
+            EXPECT_EQ(made.ToolA.Size[2], 2.0f);
+            EXPECT_EQ(made.LeadIn.LeadKind, 0);
+        }
         ExpectAfter(r[3]);
         EXPECT_EQ(r[0].After.ActionCode, 0);
     }
@@ -933,7 +960,10 @@ TEST(SplitObroundPunched, InsideRimLineArcLineArc) {
             EXPECT_EQ(r[i].Count[1], 5);
             EXPECT_EQ(r[i].Value[12], 45.0f);
         }
-        for (const DrawRecord& made : r) EXPECT_EQ(made.FollowFlag, -1);
+        for (const DrawRecord& made : r) {
+            EXPECT_EQ(made.FollowFlag, -1);
+            EXPECT_EQ(made.ToolA.Letter.Text(), "C");
+        }
         ExpectAfter(r[3]);
     }
 }
@@ -1067,9 +1097,7 @@ TEST(SplitCirclePunched, ClearingWithAToolOfWidthZeroEndsAsAFault) {
     int status = 0;
     const std::string text = FaultOf([&] { SplitCirclePunched(out, shape); }, status);
     EXPECT_EQ(status, ExitFault);
-    EXPECT_EQ(text.rfind("Cannot split record 7 of Progmain.drw (code 151): a punched arc of length 0 has a pitch of 0", 0),
-              0u)
-        << text;
+    EXPECT_EQ(text, "Cannot split record 7 of Progmain.drw (code 151): a punched arc of length 0 has a pitch of 0");
     EXPECT_EQ(count, 1);  // the centre hit
 }
 
