@@ -9,7 +9,7 @@
 #include "common/numtext.h"
 #include "common/paths.h"
 #include "common/textfile.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "test_support.h"
 
 namespace tvx {

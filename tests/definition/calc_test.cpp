@@ -8,7 +8,7 @@
 
 #include "common/fault.h"
 #include "common/numtext.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 using namespace tvx;
 

@@ -10,7 +10,7 @@
 #include "definition/block_writer.h"
 #include "definition/definition_files.h"
 #include "definition/engine_rig.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 using namespace tvx;
 

@@ -13,7 +13,7 @@
 #include "definition/definition_files.h"
 #include "definition/engine_rig.h"
 #include "definition/reserved_word.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "test_support.h"
 
 using namespace tvx;

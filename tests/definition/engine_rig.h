@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "test_support.h"
 
 namespace tvx {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/fault.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 using namespace tvx;
 

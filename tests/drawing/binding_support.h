@@ -7,7 +7,7 @@
 
 #include "drawing/drawfile.h"
 #include "drawing/record.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 
 namespace tvx::bindtest {
 

@@ -7,7 +7,7 @@
 #include "common/paths.h"
 #include "common/textfile.h"
 #include "definition/definition_files.h"
-#include "job/run_state.h"
+#include "state/run_state.h"
 #include "test_support.h"
 
 namespace tvx {
