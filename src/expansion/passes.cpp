@@ -11,6 +11,9 @@ void MultipartExplode(RunState&, const std::string&) {}
 void AssociativeToolingPass(RunState&, const std::string&) {}
 void ShapePass(RunState&, const std::string&) {}
 void RotateDrawing(RunState&, const std::string&, double) {}
+// An entity worked by a library tooling produces nothing until its tooling drawing is placed:
+// AssTool.drw is not made and the loop goes on with the next record.
+void MakeAssociatedTooling(RunState&, DrawRecord&) {}
 
 void MeasurePart(RunState&, const std::string&, double& x, double& y) {
     x = 0;

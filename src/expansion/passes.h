@@ -13,6 +13,9 @@ void AssociativeToolingPass(RunState& state, const std::string& drawing);
 void ShapePass(RunState& state, const std::string& drawing);
 void GridPass(RunState& state, const std::string& drawing);
 void CruciformPass(RunState& state, const std::string& drawing);
+// Places the tooling drawing of an entity's library tool on AssTool.drw, for the generation
+// loop to read next.
+void MakeAssociatedTooling(RunState& state, DrawRecord& record);
 // Turns a quarter arc of a radius punch into one hit, in place.
 void ArcToPunch(const RunState& state, DrawRecord& record);
 // Turns a grid stored with its axes exchanged into the plain form, in place.

@@ -13,6 +13,7 @@
 #include "emitters/paths.h"
 #include "emitters/profile.h"
 #include "emitters/punch.h"
+#include "emitters/shapes.h"
 #include "emitters/stages.h"
 #include "expansion/passes.h"
 #include "state/run_state.h"
@@ -161,6 +162,21 @@ void DispatchArc(RunState& state, DrawRecord& record) {
         if (HasTool(record)) EmitPunch(state, record);
     } else if (HasTool(record)) {
         EmitArcPath(state, record);
+    }
+}
+
+// A shape (codes 151 to 156) with a tool: a library tooling ("U"), a shape cut by the profiling
+// head ("P") or a shape worked by a punch (any other letter). Without a tool nothing.
+void DispatchShape(RunState& state, DrawRecord& record, void (*cut)(RunState&, DrawRecord&),
+                   void (*punched)(RunState&, DrawRecord&)) {
+    if (!HasTool(record)) return;
+    const std::string letter = record.ToolA.Letter.Text();
+    if (letter == "U") {
+        MakeAssociatedTooling(state, record);
+    } else if (letter == "P") {
+        cut(state, record);
+    } else {
+        punched(state, record);
     }
 }
 
@@ -406,6 +422,15 @@ void DispatchRecord(RunState& state) {
             break;
         case 130:
         case 230: DispatchArc(state, record); break;
+        case 151: DispatchShape(state, record, EmitShapeDiameterCut, EmitShapeDiameterPunched); break;
+        case 152: DispatchShape(state, record, EmitShapeSingleDCut, EmitShapeSingleDPunched); break;
+        case 153: DispatchShape(state, record, EmitShapeDoubleDCut, EmitShapeDoubleDPunched); break;
+        case 154: DispatchShape(state, record, EmitShapeObroundCut, EmitShapeObroundPunched); break;
+        case 155: DispatchShape(state, record, EmitShapeRadRectangleCut, EmitShapeRadRectanglePunched); break;
+        case 156: DispatchShape(state, record, EmitShapeRectangleCut, EmitShapeRectanglePunched); break;
+        case 175:
+            if (HasTool(record)) MakeAssociatedTooling(state, record);
+            break;
         case 210:
             if (HasTool(record)) EmitPunch(state, record);
             break;
@@ -420,7 +445,7 @@ void DispatchRecord(RunState& state) {
         case 355: EmitSheetManipulation(state, record); break;
         case 500: MultipartLayout(state, record); break;
         case 510: MultipartPart(state, record); break;
-        default: break;  // codes whose work is not written by a punch job, and unknown codes
+        default: break;  // codes that write nothing (1, 171), and unknown codes
     }
 }
 

@@ -2,37 +2,46 @@
 
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
+#include "splitting/single_shape.h"
+#include "splitting/split_output.h"
 #include "state/run_state.h"
 
 namespace tvx {
 
 std::string ShapeDrawingPath(const RunState& state) { return state.Job.WorkDir + "Shape.drw"; }
 
-void SingleProfile(RunState& state, DrawRecord& record) {
-    const MachineState& machine = state.Machine;
-    // The trims are folded into the entity itself, so that the leads join its trimmed ends.
-    ApplyTrim(machine, record);
-    DrawRecord copy;
-    CopyRecord(record, copy);
-
-    DrawingFile& shape = state.Loop.ShapeDrawing;
-    CloseDrawing(shape);
-    MakeWorkingFile(shape, ShapeDrawingPath(state));
-    int32_t count = 0;
-    DrawRecord lead;
-    if (record.LeadIn.LeadKind != 0) {
-        MakeLeadRecord(machine, 1, record, lead);
-        WriteRecord(shape, ++count, lead);
+void WriteWithLeads(SplitOutput& out, DrawRecord& entity, LeadedEntityChoices choices) {
+    const MachineState& machine = *out.Machine;
+    if (choices.FoldTrims) ApplyTrim(machine, entity);
+    DrawRecord leaded;
+    CopyRecord(entity, leaded);
+    if (choices.AsArcProfile) {
+        leaded.EntityCode = 130;
+        leaded.EntityName = "Arc Profile";
     }
+    DrawRecord lead;
+    if (entity.LeadIn.LeadKind != 0) {
+        MakeLeadRecord(machine, 1, leaded, lead);
+        AppendRecord(out, entity, lead);
+    }
+    DrawRecord copy;
+    CopyRecord(leaded, copy);
     ClearLead(copy.LeadIn);
     ClearLead(copy.LeadOut);
     ClearAfter(copy.After);
-    BindRecord(machine, copy);
-    WriteRecord(shape, ++count, copy);
-    if (record.LeadOut.LeadKind != 0) {
-        MakeLeadRecord(machine, 2, record, lead);
-        WriteRecord(shape, ++count, lead);
+    AppendBound(out, entity, copy);
+    if (entity.LeadOut.LeadKind != 0) {
+        MakeLeadRecord(machine, 2, leaded, lead);
+        AppendRecord(out, entity, lead);
     }
+}
+
+void SingleProfile(RunState& state, DrawRecord& record) {
+    DrawingFile& shape = state.Loop.ShapeDrawing;
+    MakeWorkingFile(shape, ShapeDrawingPath(state));
+    int32_t count = 0;
+    SplitOutput out = FileOutput(state.Machine, shape, count, SingleShapeChoices, RecordPlace(state));
+    WriteWithLeads(out, record, LeadedEntityChoices{true, false});
     CloseDrawing(shape);
 }
 

@@ -25,4 +25,9 @@ void SingleRectangle(RunState& state, const DrawRecord& shape);
 // (its leads and After cleared), lead-out record.
 void SingleCirclePlain(RunState& state, const DrawRecord& shape);
 
+// Where the record in work stands, for the text of a split fault: "record N of FILE", of the
+// stream that the generation loop is reading (AssTool.drw, the part drawing while its
+// subroutine is written, the job's drawing otherwise); FILE is the file's name alone.
+std::string RecordPlace(const RunState& state);
+
 }  // namespace tvx

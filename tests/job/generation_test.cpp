@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include "common/fault.h"
 #include "drawing/drawfile.h"
 #include "job/job_fixture.h"
@@ -247,4 +249,81 @@ TEST(GenerationLoop, RecordsWithoutAToolAreNotPunched) {
     f.State.Loop.Record = hit;
     DispatchRecord(f.State);
     EXPECT_EQ(f.Program(), "");
+}
+
+namespace {
+
+// Every shape word true, each block printing its word in small letters.
+std::vector<std::string> ShapeBlocks() {
+    std::vector<std::string> lines;
+    for (const char* word : {"SHAPE_DIAMETER_CUT", "SHAPE_DIAMETER_PUNCHED", "SHAPE_SINGLED_CUT",
+                             "SHAPE_SINGLED_PUNCHED", "SHAPE_DOUBLED_CUT", "SHAPE_DOUBLED_PUNCHED",
+                             "SHAPE_OBROUND_CUT", "SHAPE_OBROUND_PUNCHED", "SHAPE_RADRECTANGLE_CUT",
+                             "SHAPE_RADRECTANGLE_PUNCHED", "SHAPE_RECTANGLE_CUT", "SHAPE_RECTANGLE_PUNCHED"}) {
+        std::string text = word;
+        for (char& c : text) c = c == '_' ? ' ' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        lines.push_back(std::string(word) + "=TRUE");
+        lines.push_back(text);
+        lines.push_back("******");
+    }
+    return lines;
+}
+
+// The program that the dispatch of one shape record writes.
+std::string ShapeDispatched(int16_t code, const ToolSpec& tool) {
+    JobFixture f(ShapeBlocks());
+    DrawRecord r;
+    r.EntityCode = code;
+    r.Value[1] = 10;
+    r.Value[2] = 4;
+    r.ToolA = tool;
+    f.State.Loop.Record = r;
+    DispatchRecord(f.State);
+    EXPECT_FALSE(f.State.Loop.ShapeActive);
+    EXPECT_FALSE(f.State.Loop.ToolingActive);
+    return f.Program();
+}
+
+}  // namespace
+
+TEST(DispatchShape, ProfilingLetterCallsTheCutEmitter) {
+    const ToolSpec p = Tool("P", "LASER", 0, 1, 1);
+    EXPECT_EQ(ShapeDispatched(151, p), "shape diameter cut\r\n");
+    EXPECT_EQ(ShapeDispatched(152, p), "shape singled cut\r\n");
+    EXPECT_EQ(ShapeDispatched(153, p), "shape doubled cut\r\n");
+    EXPECT_EQ(ShapeDispatched(154, p), "shape obround cut\r\n");
+    EXPECT_EQ(ShapeDispatched(155, p), "shape radrectangle cut\r\n");
+    EXPECT_EQ(ShapeDispatched(156, p), "shape rectangle cut\r\n");
+}
+
+TEST(DispatchShape, AnyOtherLetterCallsThePunchedEmitter) {
+    for (const char* letter : {"A", "C", "F", "M", " "}) {
+        const ToolSpec t = Tool(letter, "PUNCH", 5, 1, 10);
+        EXPECT_EQ(ShapeDispatched(151, t), "shape diameter punched\r\n") << letter;
+        EXPECT_EQ(ShapeDispatched(152, t), "shape singled punched\r\n") << letter;
+        EXPECT_EQ(ShapeDispatched(153, t), "shape doubled punched\r\n") << letter;
+        EXPECT_EQ(ShapeDispatched(154, t), "shape obround punched\r\n") << letter;
+        EXPECT_EQ(ShapeDispatched(155, t), "shape radrectangle punched\r\n") << letter;
+        EXPECT_EQ(ShapeDispatched(156, t), "shape rectangle punched\r\n") << letter;
+    }
+}
+
+TEST(DispatchShape, TheLetterChoosesAndNotTheWorkType) {
+    // A punch work type with "P" is cut, a profiling one with "A" punched.
+    EXPECT_EQ(ShapeDispatched(154, Tool("P", "X", 0, 1, 10)), "shape obround cut\r\n");
+    EXPECT_EQ(ShapeDispatched(154, Tool("A", "X", 0, 1, 1)), "shape obround punched\r\n");
+}
+
+TEST(DispatchShape, LibraryToolingLetterMakesTheAssociatedToolingInstead) {
+    for (int16_t code = 151; code <= 156; ++code)
+        EXPECT_EQ(ShapeDispatched(code, Tool("U", "LIB", 0, 7, 10)), "") << code;
+}
+
+TEST(DispatchShape, ShapeWithoutAToolProducesNothing) {
+    for (int16_t code = 151; code <= 156; ++code) EXPECT_EQ(ShapeDispatched(code, ToolSpec{}), "") << code;
+}
+
+TEST(DispatchShape, LibraryToolingEntityProducesNothingWithOrWithoutATool) {
+    EXPECT_EQ(ShapeDispatched(175, Tool("U", "LIB", 0, 7, 10)), "");
+    EXPECT_EQ(ShapeDispatched(175, ToolSpec{}), "");
 }
