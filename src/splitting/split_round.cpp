@@ -418,6 +418,28 @@ void SplitCirclePunched(SplitOutput& out, const DrawRecord& shape) {
     AppendBound(out, shape, rim);
 }
 
+namespace {
+
+// A line of a Single-D or Double-D worked by a punch, from s to e, its hits at the shape's
+// pitch Value[3]; inside it follows the outline.
+DrawRecord WorkedFlat(const SplitOutput& out, const DrawRecord& shape, const PlanePoint& s, const PlanePoint& e) {
+    DrawRecord line = OutlineLine(out, shape, s, e, WorkedSide(shape), true);
+    PunchLine(out, shape, line, LengthOf(s, e), shape.Value[3]);
+    FollowInside(shape, line);
+    return line;
+}
+
+// An arc of a Single-D or Double-D worked by a punch, its hits counted on the tool's path.
+DrawRecord WorkedRoundArc(const SplitOutput& out, const DrawRecord& shape, const PlanePoint& s, const PlanePoint& e,
+                          const PlanePoint& centre, double radius, const FlatArc& arc) {
+    DrawRecord made = OutlineArc(shape, s, e, centre, radius, arc, WorkedSide(shape));
+    PunchArc(out, shape, made, ToolPathRadius(shape, radius), arc.Sweep, shape.Value[3]);
+    FollowInside(shape, made);
+    return made;
+}
+
+}  // namespace
+
 // Inside, the Single-D punch "G" makes the shape in one hit, whatever its size.
 void SplitSingleDPunched(SplitOutput& out, const DrawRecord& shape) {
     if (IsInside(shape) && HasLetter(shape.ToolA, 'G')) {
@@ -425,17 +447,9 @@ void SplitSingleDPunched(SplitOutput& out, const DrawRecord& shape) {
         return;
     }
     const SingleDShape d = SingleDPoints(out, shape);
-    const int16_t s = WorkedSide(shape);
-    const double pitch = shape.Value[3];
-
-    DrawRecord arc = OutlineArc(shape, d.Left, d.Right, d.Centre, d.Radius, d.Arc, s);
-    PunchArc(out, shape, arc, ToolPathRadius(shape, d.Radius), d.Arc.Sweep, pitch);
-    FollowInside(shape, arc);
+    DrawRecord arc = WorkedRoundArc(out, shape, d.Left, d.Right, d.Centre, d.Radius, d.Arc);
     AppendBound(out, shape, arc);
-
-    DrawRecord flat = OutlineLine(out, shape, d.Right, d.Left, s, true);
-    PunchLine(out, shape, flat, LengthOf(d.Right, d.Left), pitch);
-    FollowInside(shape, flat);
+    DrawRecord flat = WorkedFlat(out, shape, d.Right, d.Left);
     CopyAfter(shape.After, flat.After);
     AppendBound(out, shape, flat);
 }
@@ -447,28 +461,13 @@ void SplitDoubleDPunched(SplitOutput& out, const DrawRecord& shape) {
         return;
     }
     const DoubleDShape d = DoubleDPoints(out, shape);
-    const int16_t s = WorkedSide(shape);
-    const double pitch = shape.Value[3];
-    const double pathRadius = ToolPathRadius(shape, d.Radius);
-
-    DrawRecord lower = OutlineLine(out, shape, d.LowerStart, d.LowerEnd, s, true);
-    PunchLine(out, shape, lower, LengthOf(d.LowerStart, d.LowerEnd), pitch);
-    FollowInside(shape, lower);
+    DrawRecord lower = WorkedFlat(out, shape, d.LowerStart, d.LowerEnd);
     AppendBound(out, shape, lower);
-
-    DrawRecord first = OutlineArc(shape, d.LowerEnd, d.UpperStart, d.Centre, d.Radius, d.First, s);
-    PunchArc(out, shape, first, pathRadius, d.First.Sweep, pitch);
-    FollowInside(shape, first);
+    DrawRecord first = WorkedRoundArc(out, shape, d.LowerEnd, d.UpperStart, d.Centre, d.Radius, d.First);
     AppendBound(out, shape, first);
-
-    DrawRecord upper = OutlineLine(out, shape, d.UpperStart, d.UpperEnd, s, true);
-    PunchLine(out, shape, upper, LengthOf(d.UpperStart, d.UpperEnd), pitch);
-    FollowInside(shape, upper);
+    DrawRecord upper = WorkedFlat(out, shape, d.UpperStart, d.UpperEnd);
     AppendBound(out, shape, upper);
-
-    DrawRecord second = OutlineArc(shape, d.UpperEnd, d.LowerStart, d.Centre, d.Radius, d.Second, s);
-    PunchArc(out, shape, second, pathRadius, d.Second.Sweep, pitch);
-    FollowInside(shape, second);
+    DrawRecord second = WorkedRoundArc(out, shape, d.UpperEnd, d.LowerStart, d.Centre, d.Radius, d.Second);
     CopyAfter(shape.After, second.After);
     AppendBound(out, shape, second);
 }
