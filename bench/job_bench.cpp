@@ -1,5 +1,5 @@
-// Whole punch jobs, end to end: the demo installation with a generated drawing of N hits and a
-// tool change every 1,000 hits. Reports records a second and the peak memory of the process
+// Whole jobs, end to end: the punch demo installation with a generated drawing of N hits and a
+// tool change every 1,000 hits; the laser example with N shapes split on the spot. Reports records a second and the peak memory of the process
 // after each size; the sizes run from small to large, so a flat peak shows that memory does
 // not grow with the job.
 #include <benchmark/benchmark.h>
@@ -9,21 +9,25 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 
+#include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "job/post_main.h"
+#include "state/run_state.h"
 #include "tools/demo_tool.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string Installation() {
-    static std::string root;
+std::string Installation(const std::string& example = "punch") {
+    static std::map<std::string, std::string> roots;
+    std::string& root = roots[example];
     if (!root.empty()) return root;
-    root = (fs::temp_directory_path() / ("torvanex-bench-job-" + std::to_string(::getpid()))).string();
-    tvx::UnpackExample("punch", root);
+    root = (fs::temp_directory_path() / ("torvanex-bench-" + example + "-" + std::to_string(::getpid()))).string();
+    tvx::UnpackExample(example, root);
     return root;
 }
 
@@ -64,6 +68,48 @@ void WriteDrawing(const std::string& path, int hits) {
     }
 }
 
+// A laser sheet of N shapes that the definition has no macro for, so that each one is split on
+// the spot onto Shape.drw and cut as profiled lines and arcs: circles, obrounds and rectangles
+// in turn, each with a straight lead-in and lead-out.
+void WriteShapeDrawing(const std::string& path, int shapes) {
+    tvx::DrawingFile file;
+    tvx::MakeWorkingFile(file, path);
+    tvx::DrawRecord header;
+    header.EntityCode = 1;
+    header.EntityText = "STAINLESS 2.0";
+    header.RecordCount = shapes + 1;
+    header.Value[1] = 3000;
+    header.Value[2] = 1500;
+    header.Value[3] = 2;
+    tvx::WriteRecord(file, 1, header);
+    tvx::ToolSpec laser;
+    laser.Present = -1;
+    laser.Letter = "P";
+    laser.ToolName = "LASER";
+    laser.WorkType = 1;
+    laser.StageIndex = 1;
+    for (int i = 0; i < shapes; ++i) {
+        tvx::DrawRecord shape;
+        const int kind = i % 3;
+        shape.EntityCode = static_cast<int16_t>(kind == 0 ? 151 : kind == 1 ? 154 : 156);
+        const float x = static_cast<float>(20 + (i % 140) * 20);
+        const float y = static_cast<float>(20 + (i / 140 % 70) * 20);
+        shape.Point[4] = tvx::SinglePoint{x, y};
+        shape.Value[1] = kind == 0 ? 5.0f : 12.0f;
+        shape.Value[2] = 6;
+        shape.Value[11] = kind == 0 ? 360.0f : 0.0f;
+        shape.Side = -1;
+        shape.ToolA = laser;
+        shape.LeadIn.LeadKind = 1;
+        shape.LeadIn.LeadLength = 2;
+        shape.LeadOut.LeadKind = 1;
+        shape.LeadOut.LeadLength = 1;
+        shape.LeadOut.LeadAngle = 180;
+        tvx::BindRecord(tvx::MachineState{}, shape);
+        tvx::WriteRecord(file, i + 2, shape);
+    }
+}
+
 long PeakKilobytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -81,7 +127,19 @@ void BM_PunchJob(benchmark::State& state) {
     state.counters["peak_MB"] = static_cast<double>(PeakKilobytes()) / 1024.0;
 }
 
+void BM_LaserShapeJob(benchmark::State& state) {
+    const std::string root = Installation("laser");
+    const int shapes = static_cast<int>(state.range(0));
+    WriteShapeDrawing(root + "/work/Progmain.drw", shapes);
+    for (auto _ : state) {
+        if (tvx::RunJob(root + "/work") != 0) state.SkipWithError("the job did not end cleanly");
+    }
+    state.SetItemsProcessed(state.iterations() * shapes);
+    state.counters["peak_MB"] = static_cast<double>(PeakKilobytes()) / 1024.0;
+}
+
 }  // namespace
 
+BENCHMARK(BM_LaserShapeJob)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PunchJob)->Arg(10000)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();
