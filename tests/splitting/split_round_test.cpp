@@ -553,6 +553,28 @@ TEST(SplitDoubleDLeads, NeitherLeadGivesTheOutlineAloneFromTheSameStart) {
     ExpectAfter(alone[3]);  // no lead-out: After on the lower flat
 }
 
+// A straight lead of length 0 is still a lead record, from the meeting point to itself. The
+// Double-D at (0, 0), R 10, D 12, Side -1, TurnSense 1: the leads meet the end of the lower flat,
+// (8, -6). Lead-in kind 1, length 0, angle 45: from (8, -6) to (8, -6), length 0, angle
+// 45 + 180 = 225, Side LineSide(-1, ccw) = -1. Lead-out kind 1, length 0, angle 90: from (8, -6)
+// to (8, -6), length 0, angle 90, with the After; the lower flat then has none.
+TEST(SplitDoubleDLeads, AStraightLeadOfLengthZeroIsARecordFromThePointToItself) {
+    const MachineState m = Machine(1);
+    DrawRecord shape = Shape(153, 0, 0, 10, 12, 0, -1);
+    shape.LeadIn = LeadSpec{1, 0, 45, 0};
+    shape.LeadOut = LeadSpec{1, 0, 90, 0};
+    shape.After.ActionCode = 2;
+    shape.After.ActionValue = 1.5f;
+    const std::vector<DrawRecord> r = Split(SplitDoubleDLeads, m, Bound(m, shape));
+    ASSERT_EQ(r.size(), 6u);
+    ExpectLine(r[0], 8, -6, 8, -6, 0, 225, -1);
+    EXPECT_EQ(r[0].After.ActionCode, 0);
+    ExpectLine(r[4], -8, -6, 8, -6, 16, 0, -1);
+    EXPECT_EQ(r[4].After.ActionCode, 0);
+    ExpectLine(r[5], 8, -6, 8, -6, 0, 90, -1);
+    ExpectAfter(r[5]);
+}
+
 // With no tool at all the outline with leads is the same as with a profiling tool, but for the
 // tool the records carry.
 TEST(SplitObroundLeads, NoToolGivesTheSameOutlineAsAProfilingTool) {
