@@ -327,3 +327,91 @@ TEST(DispatchShape, LibraryToolingEntityProducesNothingWithOrWithoutATool) {
     EXPECT_EQ(ShapeDispatched(175, Tool("U", "LIB", 0, 7, 10)), "");
     EXPECT_EQ(ShapeDispatched(175, ToolSpec{}), "");
 }
+
+// ---- Fetching from Shape.drw ------------------------------------------------------------------
+
+namespace {
+
+DrawRecord HitAt(float x, const ToolSpec& tool) {
+    DrawRecord r;
+    r.EntityCode = 210;
+    r.Point[4] = SinglePoint{x, 0};
+    r.ToolA = tool;
+    return r;
+}
+
+// Shape.drw of the records given, with no header, opened for the loop as an emitter leaves it.
+void StartShapeStream(JobFixture& f, const std::vector<DrawRecord>& records) {
+    LoopState& loop = f.State.Loop;
+    OpenDrawing(loop.ShapeDrawing, f.Path("Shape.drw"));
+    for (size_t i = 0; i < records.size(); ++i) WriteRecord(loop.ShapeDrawing, static_cast<int32_t>(i + 1), records[i]);
+    loop.ShapeActive = true;
+    loop.ShapeIndex = 0;
+}
+
+}  // namespace
+
+// Shape.drw comes before AssTool.drw, and the code 0 that ends it is not a record of its own: the
+// same fetch goes on to the tooling's next record, and only after the tooling to the main drawing.
+TEST(FetchRecord, EndOfShapeDrawFallsThroughToTheToolingStreamInTheSameFetch) {
+    JobFixture f(PunchBlocks());
+    LoopState& loop = f.State.Loop;
+    const ToolSpec a = Tool("A", "RND", 10, 1, 10);
+    StartShapeStream(f, {HitAt(1, a)});
+    OpenDrawing(loop.ToolingDrawing, f.Path("AssTool.drw"));
+    WriteRecord(loop.ToolingDrawing, 1, HitAt(2, a));
+    loop.ToolingActive = true;
+    loop.ToolingIndex = 0;
+    OpenDrawing(loop.MainDrawing, f.Path("Progmain.drw"));
+    WriteRecord(loop.MainDrawing, 2, HitAt(3, a));
+    loop.RecordIndex = 1;
+
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_EQ(loop.Record.Point[4].X, 1.0f);
+    EXPECT_EQ(loop.ShapeIndex, 1);
+    ASSERT_TRUE(FetchRecord(f.State));  // Shape.drw's code 0, then AssTool.drw record 1
+    EXPECT_FALSE(loop.ShapeActive);
+    EXPECT_FALSE(IsOpen(loop.ShapeDrawing));
+    EXPECT_EQ(loop.ShapeIndex, 2);
+    EXPECT_EQ(loop.Record.Point[4].X, 2.0f);
+    EXPECT_EQ(loop.RecordIndex, 1);
+    ASSERT_TRUE(FetchRecord(f.State));  // AssTool.drw's code 0, then the main drawing's record 2
+    EXPECT_FALSE(loop.ToolingActive);
+    EXPECT_EQ(loop.Record.Point[4].X, 3.0f);
+    EXPECT_EQ(loop.RecordIndex, 2);
+    CloseDrawing(loop.MainDrawing);
+}
+
+// Inside a part, Shape.drw is read into the part's look-ahead record and its records are matched
+// against the tool in work like the part's own; its end goes on to the part's next record.
+TEST(FetchRecord, ShapeDrawInsideAPartIsWalkedBeforeThePartDrawing) {
+    JobFixture f(PunchBlocks());
+    LoopState& loop = f.State.Loop;
+    const ToolSpec a = Tool("A", "RND", 10, 1, 10);
+    OpenDrawing(loop.PartDrawing, f.Path("part.drw"));
+    DrawRecord header;
+    header.EntityCode = 1;
+    header.RecordCount = 3;
+    WriteRecord(loop.PartDrawing, 1, header);
+    WriteRecord(loop.PartDrawing, 2, HitAt(20, a));
+    WriteRecord(loop.PartDrawing, 3, HitAt(30, a));
+    loop.PartIndex = 1;
+    loop.PartRecordCount = 3;
+    loop.Record.ToolA = a;
+    f.State.Engine.SubroutineOutput = true;
+    // The second record of the shape has another tool: the walk passes over it.
+    StartShapeStream(f, {HitAt(1, a), HitAt(2, Tool("C", "SQ", 20, 2, 10))});
+
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_EQ(loop.Record.Point[4].X, 1.0f);
+    EXPECT_EQ(loop.PartIndex, 1);
+    // One fetch: Shape.drw's record 2 (no match), its code 0, then the part's record 2.
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_FALSE(loop.ShapeActive);
+    EXPECT_EQ(loop.ShapeIndex, 3);
+    EXPECT_EQ(loop.PartIndex, 2);
+    EXPECT_EQ(loop.Record.Point[4].X, 20.0f);
+    EXPECT_TRUE(f.State.Engine.SubroutineOutput);
+    f.State.Engine.SubroutineOutput = false;
+    CloseDrawing(loop.PartDrawing);
+}
