@@ -107,6 +107,8 @@ void EmitShapeMacro(RunState& state, DrawRecord& record, const ShapeMacro& macro
         return;
     }
     // No block for the shape: its primitives are made on Shape.drw, which the loop reads next.
+    // Like every emitter, this one leaves the definition file closed.
+    CloseInputChannel(state, ChannelDefinition);
     LoopState& loop = state.Loop;
     loop.ShapeActive = true;
     loop.ShapeIndex = 0;

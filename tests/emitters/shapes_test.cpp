@@ -6,6 +6,7 @@
 #include <cctype>
 
 #include "common/fault.h"
+#include "definition/definition_files.h"
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "job/generation.h"
@@ -278,6 +279,18 @@ TEST(ShapeBlock, FalseWordIsNoFailure) {
         EXPECT_EQ(f.State.Loop.ShapeIndex, 0) << row.Name;
         EXPECT_TRUE(IsOpen(f.State.Loop.ShapeDrawing)) << row.Name;
         EXPECT_EQ(f.Program(), "") << row.Name;
+    }
+}
+
+TEST(ShapeBlock, EveryEmitterLeavesTheDefinitionFileClosedWhateverTheWord) {
+    for (bool truth : {true, false}) {
+        for (const Row& row : AllEmitters) {
+            JobFixture f(ShapeDefinition(truth));
+            DrawRecord r = Shape(row.Code);
+            BindRecord(f.State.Machine, r);
+            row.Emit(f.State, r);
+            EXPECT_FALSE(InputChannel(f.State, ChannelDefinition).Open) << row.Name << (truth ? " true" : " false");
+        }
     }
 }
 
