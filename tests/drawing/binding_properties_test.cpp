@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "common/numeric.h"
+#include "drawing/property_support.h"
 #include "drawing/binding.h"
 #include "drawing/record.h"
 
@@ -18,22 +19,9 @@ using namespace tvx;
 
 namespace {
 
+using tvx::bindtest::Between;
+
 constexpr double P = Pi;  // the system's pi, 3.14159265
-
-MachineState Machine(int16_t turnSense) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-// A number from low to high in steps of 1/scale.
-double Between(double low, double high, double scale = 1000) {
-    const auto lo = static_cast<int64_t>(std::ceil(low * scale));
-    const auto hi = static_cast<int64_t>(std::floor(high * scale));
-    return static_cast<double>(*rc::gen::inRange<int64_t>(lo, hi + 1)) / scale;
-}
 
 void PunchTool(DrawRecord& r) {
     r.ToolA.Present = -1;
@@ -96,7 +84,7 @@ void CheckHitsOnLine(const std::vector<std::pair<double, double>>& hits, double 
 }
 
 RC_GTEST_PROP(BindingProperties, WorkedLineHitsLieOnTheLineFromTheWorkingStartToTheWorkingEnd, ()) {
-    const MachineState m = Machine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     DrawRecord r;
     r.EntityCode = *rc::gen::element<int16_t>(120, 521, 522);
     const double x1 = Between(-1000, 1000, 100);
@@ -137,7 +125,7 @@ RC_GTEST_PROP(BindingProperties, WorkedLineHitsLieOnTheLineFromTheWorkingStartTo
 }
 
 RC_GTEST_PROP(BindingProperties, WorkedRowOfHitsRunsFromItsStartToItsEnd, ()) {
-    const MachineState m = Machine(0);
+    const MachineState m = bindtest::Machine(0);
     DrawRecord r;
     r.EntityCode = 220;
     const double x1 = Between(-1000, 1000, 100);
@@ -165,7 +153,7 @@ RC_GTEST_PROP(BindingProperties, WorkedRowOfHitsRunsFromItsStartToItsEnd, ()) {
 }
 
 RC_GTEST_PROP(BindingProperties, WorkedArcHitsLieOnTheArcFromTheWorkingStartToTheWorkingEnd, ()) {
-    const MachineState m = Machine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     DrawRecord r;
     r.EntityCode = *rc::gen::element<int16_t>(130, 230);
     const double cx = Between(-500, 500, 100);
@@ -240,7 +228,7 @@ RC_GTEST_PROP(BindingProperties, WorkedArcHitsLieOnTheArcFromTheWorkingStartToTh
 }
 
 RC_GTEST_PROP(BindingProperties, LineExtentHoldsBothEnds, ()) {
-    const MachineState m = Machine(0);
+    const MachineState m = bindtest::Machine(0);
     DrawRecord r;
     r.EntityCode = *rc::gen::element<int16_t>(110, 120, 220, 521, 522);
     for (int i : {1, 3, 5, 6})
@@ -268,7 +256,7 @@ bool Close(float a, float b) {
 }
 
 RC_GTEST_PROP(BindingProperties, BindingTwiceChangesNothingBeyondTheRoundingOfASingle, ()) {
-    const MachineState m = Machine(*rc::gen::element<int16_t>(0, 1, 2));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1, 2));
     DrawRecord r;
     r.EntityCode = *rc::gen::element<int16_t>(110, 120, 130, 151, 171, 175, 210, 220, 225, 230, 311, 312, 321, 322,
                                               350, 355, 500, 510, 521, 522, 999);
@@ -313,7 +301,7 @@ RC_GTEST_PROP(BindingProperties, BindingTwiceChangesNothingBeyondTheRoundingOfAS
 }
 
 RC_GTEST_PROP(BindingProperties, ReversingTwiceGivesTheOriginal, ()) {
-    const MachineState m = Machine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     DrawRecord r;
     const bool arc = *rc::gen::arbitrary<bool>();
     r.EntityCode = arc ? 130 : 120;

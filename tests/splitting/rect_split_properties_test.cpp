@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/fault.h"
+#include "drawing/property_support.h"
 #include "common/numeric.h"
 #include "drawing/binding.h"
 #include "drawing/record.h"
@@ -23,26 +24,13 @@ using namespace tvx;
 
 namespace {
 
+using tvx::bindtest::Between;
+
 constexpr double P = Pi;  // the system's pi, 3.14159265
 
 // Made points are rounded to 4 decimals and stored as singles: two such points that stand for
 // the same place are this close.
 constexpr double Near = 3e-4;
-
-MachineState Machine(int16_t turnSense) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-// A number from low to high in steps of 1/scale.
-double Between(double low, double high, double scale = 1000) {
-    const auto lo = static_cast<int64_t>(std::ceil(low * scale));
-    const auto hi = static_cast<int64_t>(std::floor(high * scale));
-    return static_cast<double>(*rc::gen::inRange<int64_t>(lo, hi + 1)) / scale;
-}
 
 double Signed(double low, double high) { return *rc::gen::element(1.0, -1.0) * Between(low, high, 100); }
 
@@ -82,7 +70,7 @@ void Punch(ToolSpec& tool, const char* letter, double size1, double size2, int16
 using Routine = void (*)(SplitOutput&, const DrawRecord&);
 
 std::vector<DrawRecord> Split(Routine routine, const DrawRecord& shape, int16_t turnSense) {
-    const MachineState m = Machine(turnSense);
+    const MachineState m = bindtest::Machine(turnSense);
     std::vector<DrawRecord> records;
     int32_t count = 0;
     SplitOutput out = ListOutput(m, records, count, MainPathChoices);

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "common/fault.h"
+#include "drawing/property_support.h"
 #include "common/numeric.h"
 #include "drawing/binding.h"
 #include "drawing/record.h"
@@ -29,24 +30,11 @@ using namespace tvx;
 
 namespace {
 
+using tvx::bindtest::Between;
+
 using Routine = void (*)(SplitOutput&, const DrawRecord&);
 
 constexpr double P = Pi;  // the system's pi, 3.14159265
-
-MachineState ToolMachine(int16_t turnSense) {
-    MachineState m;
-    m.TurnSense = turnSense;
-    m.MachineKind = 10;
-    m.IsToolMachine = true;
-    return m;
-}
-
-// A number from low to high in steps of 1/scale.
-double Between(double low, double high, double scale = 100) {
-    const auto lo = static_cast<int64_t>(std::ceil(low * scale));
-    const auto hi = static_cast<int64_t>(std::floor(high * scale));
-    return static_cast<double>(*rc::gen::inRange<int64_t>(lo, hi + 1)) / scale;
-}
 
 float Single(double v) { return static_cast<float>(v); }
 
@@ -55,7 +43,7 @@ double PointTolerance(double radius) { return 5e-4 + std::fabs(radius) * 3e-5; }
 DrawRecord RandomShape(int16_t code, double first, double second, double rotation) {
     DrawRecord r;
     r.EntityCode = code;
-    r.Point[4] = {Single(Between(-1000, 1000)), Single(Between(-1000, 1000))};
+    r.Point[4] = {Single(Between(-1000, 1000, 100)), Single(Between(-1000, 1000, 100))};
     r.Value[1] = Single(first);
     r.Value[2] = Single(second);
     r.Value[10] = Single(rotation);
@@ -68,37 +56,37 @@ double RandomRotation() { return Between(0, 359.999, 1000); }
 
 // A Single-D: R in 1 to 500, D in (0, 2R].
 DrawRecord RandomSingleD(double rotation) {
-    const double radius = Between(1, 500);
-    return RandomShape(152, radius, Between(0.01, 2 * radius), rotation);
+    const double radius = Between(1, 500, 100);
+    return RandomShape(152, radius, Between(0.01, 2 * radius, 100), rotation);
 }
 
 // A Double-D: R in 1 to 500, D in (0, 2R].
 DrawRecord RandomDoubleD(double rotation) {
-    const double radius = Between(1, 500);
-    return RandomShape(153, radius, Between(0.01, 2 * radius), rotation);
+    const double radius = Between(1, 500, 100);
+    return RandomShape(153, radius, Between(0.01, 2 * radius, 100), rotation);
 }
 
 // An obround of either sign of length and width, each 1 to 500 in size.
 DrawRecord RandomObround(double rotation) {
-    const double length = *rc::gen::element(1.0, -1.0) * Between(1, 500);
-    const double width = *rc::gen::element(1.0, -1.0) * Between(1, 500);
+    const double length = *rc::gen::element(1.0, -1.0) * Between(1, 500, 100);
+    const double width = *rc::gen::element(1.0, -1.0) * Between(1, 500, 100);
     return RandomShape(154, length, width, rotation);
 }
 
 // An obround for the outline with leads, which joins the middle of its right-hand end: L above
 // the size of W, W of either sign.
 DrawRecord RandomLedObround(double rotation) {
-    const double width = Between(1, 400);
-    const double length = width + Between(0.01, 300);
+    const double width = Between(1, 400, 100);
+    const double length = width + Between(0.01, 300, 100);
     return RandomShape(154, length, *rc::gen::element(1.0, -1.0) * width, rotation);
 }
 
 void RandomLeads(DrawRecord& r) {
     r.LeadIn.LeadKind = *rc::gen::element<int16_t>(0, 1, 2, -1);
-    r.LeadIn.LeadLength = Single(Between(0, 20));
+    r.LeadIn.LeadLength = Single(Between(0, 20, 100));
     r.LeadIn.LeadAngle = Single(RandomRotation());
     r.LeadOut.LeadKind = *rc::gen::element<int16_t>(0, 1, 2, -1);
-    r.LeadOut.LeadLength = Single(Between(0, 20));
+    r.LeadOut.LeadLength = Single(Between(0, 20, 100));
     r.LeadOut.LeadAngle = Single(RandomRotation());
 }
 
@@ -157,7 +145,7 @@ double ShapeSize(const DrawRecord& shape) {
 // ---- Outlines ------------------------------------------------------------------------------------
 
 RC_GTEST_PROP(SplitRoundProperties, EveryOutlineClosesAndItsLeadsJoinIt, ()) {
-    const MachineState m = ToolMachine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     const Plain c = RandomPlainCase();
     DrawRecord shape = c.shape(RandomRotation());
     if (c.leads) RandomLeads(shape);
@@ -176,7 +164,7 @@ RC_GTEST_PROP(SplitRoundProperties, EveryOutlineClosesAndItsLeadsJoinIt, ()) {
 }
 
 RC_GTEST_PROP(SplitRoundProperties, EveryMadeArcsEndsLieOnItsCircle, ()) {
-    const MachineState m = ToolMachine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     const Plain c = RandomPlainCase();
     DrawRecord shape = c.shape(RandomRotation());
     BindRecord(m, shape);
@@ -202,7 +190,7 @@ SinglePoint TurnedPoint(const SinglePoint& p, const SinglePoint& centre, double 
 }
 
 RC_GTEST_PROP(SplitRoundProperties, ATurnedShapeGivesTheTurnedRecords, ()) {
-    const MachineState m = ToolMachine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     const Plain c = RandomPlainCase();
     DrawRecord upright = c.shape(0);
     DrawRecord turned = upright;
@@ -247,10 +235,10 @@ void PunchTool(DrawRecord& r, const char* letter, double width, double length) {
 // A punched circle: R 5 to 150, a round or other tool 2 to 20 wide, pitch 0.5 to 5, with or
 // without clearing.
 DrawRecord PunchedCircle() {
-    DrawRecord r = RandomShape(151, Between(5, 150), 0, RandomRotation());
-    const double tool = Between(2, 20);
+    DrawRecord r = RandomShape(151, Between(5, 150, 100), 0, RandomRotation());
+    const double tool = Between(2, 20, 100);
     PunchTool(r, (*rc::gen::element<std::string>("A", "C")).c_str(), tool, tool);
-    r.Value[3] = Single(Between(0.5, 5));
+    r.Value[3] = Single(Between(0.5, 5, 100));
     r.Count[2] = *rc::gen::element<int16_t>(0, -1);
     r.Count[3] = *rc::gen::element<int16_t>(0, -1);
     return r;
@@ -261,12 +249,12 @@ DrawRecord PunchedCircle() {
 // least 0.6 R long at each side of the middle and each arc sweeps 47 degrees or more; a tool of
 // Size[2] at most R / 2 and at most D, so that binding keeps the shape's sizes; pitch 0.5 to 5.
 DrawRecord PunchedRound(int16_t code) {
-    const double radius = Between(15, 300);
-    const double across = code == 152 ? Between(0.2 * radius, 1.8 * radius) : Between(0.8 * radius, 1.6 * radius);
+    const double radius = Between(15, 300, 100);
+    const double across = code == 152 ? Between(0.2 * radius, 1.8 * radius, 100) : Between(0.8 * radius, 1.6 * radius, 100);
     DrawRecord r = RandomShape(code, radius, across, RandomRotation());
-    const double tool = Between(1, std::min({20.0, radius / 2, across}));
+    const double tool = Between(1, std::min({20.0, radius / 2, across}), 100);
     PunchTool(r, (*rc::gen::element<std::string>("A", "C")).c_str(), tool, tool);
-    r.Value[3] = Single(Between(0.5, 5));
+    r.Value[3] = Single(Between(0.5, 5, 100));
     return r;
 }
 
@@ -274,13 +262,13 @@ DrawRecord PunchedRound(int16_t code) {
 // (the tool path of an end arc then has at least a quarter of the width as its radius), pitch
 // 0.5 to 3; letters "A", "C" and the obround punch "F".
 DrawRecord PunchedObround() {
-    const double width = Between(4, 200);
-    const double length = width + Between(6, 300);
+    const double width = Between(4, 200, 100);
+    const double length = width + Between(6, 300, 100);
     DrawRecord r = RandomShape(154, length, width, RandomRotation());
     const std::string letter = *rc::gen::element<std::string>("A", "C", "F");
-    const double tool = Between(1, width / 2);
-    PunchTool(r, letter.c_str(), letter == "F" ? Between(width, length) : tool, tool);
-    r.Value[3] = Single(Between(0.5, 3));
+    const double tool = Between(1, width / 2, 100);
+    PunchTool(r, letter.c_str(), letter == "F" ? Between(width, length, 100) : tool, tool);
+    r.Value[3] = Single(Between(0.5, 3, 100));
     return r;
 }
 
@@ -335,7 +323,7 @@ void CheckArcHits(const DrawRecord& r) {
 }
 
 RC_GTEST_PROP(SplitRoundProperties, PunchedHitsLandOnTheirLineOrArc, ()) {
-    const MachineState m = ToolMachine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     const int which = *rc::gen::inRange(0, 4);
     DrawRecord shape;
     Routine routine = nullptr;
@@ -400,7 +388,7 @@ float SpecialValue() {
 // values that are not numbers), every routine either writes its records or ends the run as a
 // fault of the run; none crashes or runs on without end.
 RC_GTEST_PROP(SplitRoundProperties, DamagedShapesEndCleanlyOrAsAFault, ()) {
-    const MachineState m = ToolMachine(*rc::gen::element<int16_t>(0, 1));
+    const MachineState m = bindtest::Machine(*rc::gen::element<int16_t>(0, 1));
     DrawRecord shape;
     shape.EntityCode = *rc::gen::element<int16_t>(151, 152, 153, 154);
     shape.Point[4] = {SpecialValue(), SpecialValue()};
