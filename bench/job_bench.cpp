@@ -45,17 +45,23 @@ tvx::ToolSpec DemoTool(int which) {
     return t;
 }
 
-void WriteDrawing(const std::string& path, int hits) {
-    tvx::DrawingFile file;
+// Makes the drawing empty and writes its record 1: the material and a sheet of x by y by 2.
+void WriteHeader(tvx::DrawingFile& file, const std::string& path, const char* material, int records, float x,
+                 float y) {
     tvx::MakeWorkingFile(file, path);
     tvx::DrawRecord header;
     header.EntityCode = 1;
-    header.EntityText = "MILD STEEL 2.0";
-    header.RecordCount = hits + 1;
-    header.Value[1] = 2500;
-    header.Value[2] = 1250;
+    header.EntityText = material;
+    header.RecordCount = records;
+    header.Value[1] = x;
+    header.Value[2] = y;
     header.Value[3] = 2;
     tvx::WriteRecord(file, 1, header);
+}
+
+void WriteDrawing(const std::string& path, int hits) {
+    tvx::DrawingFile file;
+    WriteHeader(file, path, "MILD STEEL 2.0", hits + 1, 2500, 1250);
     tvx::DrawRecord hit;
     hit.EntityCode = 210;
     hit.EntityName = "Punch";
@@ -73,15 +79,7 @@ void WriteDrawing(const std::string& path, int hits) {
 // in turn, each with a straight lead-in and lead-out.
 void WriteShapeDrawing(const std::string& path, int shapes) {
     tvx::DrawingFile file;
-    tvx::MakeWorkingFile(file, path);
-    tvx::DrawRecord header;
-    header.EntityCode = 1;
-    header.EntityText = "STAINLESS 2.0";
-    header.RecordCount = shapes + 1;
-    header.Value[1] = 3000;
-    header.Value[2] = 1500;
-    header.Value[3] = 2;
-    tvx::WriteRecord(file, 1, header);
+    WriteHeader(file, path, "STAINLESS 2.0", shapes + 1, 3000, 1500);
     tvx::ToolSpec laser;
     laser.Present = -1;
     laser.Letter = "P";

@@ -68,7 +68,7 @@ void FitToolToShape(DrawRecord& record) {
         // Size[1] with Value[1], Size[2] with Value[2].
     } else if (SameAngle(turn, Norm360(rotation + 90))) {
         std::swap(first, second);
-    } else if (!(bind::LetterIs(tool, 'A') || bind::LetterIs(tool, 'B') || bind::LetterIs(tool, 'D'))) {
+    } else if (!(LetterIs(tool, 'A') || LetterIs(tool, 'B') || LetterIs(tool, 'D'))) {
         record.Count[1] = 0;
         return;
     }
@@ -241,17 +241,17 @@ void BindShape(const MachineState& machine, DrawRecord& record) {
     if (worked) {
         if (record.Side == 0) record.Side = -1;
         FitToolToShape(record);
-        if (code == 152 && bind::LetterIs(tool, 'G') &&
+        if (code == 152 && LetterIs(tool, 'G') &&
             (tool.Size[1] != record.Value[5] || tool.Size[2] != record.Value[2])) {
             // The Single-D punch makes the shape of its own size.
             record.Value[1] = ToSingle(tool.Size[1] / 2.0);
             record.Value[2] = tool.Size[2];
         }
         if (code == 152 || code == 153) record.Value[5] = ToSingle(2.0 * record.Value[1]);
-        if (code == 154 && bind::LetterIs(tool, 'A') &&
+        if (code == 154 && LetterIs(tool, 'A') &&
             std::fabs(static_cast<double>(record.Value[2]) - tool.Size[1]) < SizeTolerance)
             record.Value[2] = tool.Size[1];
-        if (code == 154 && bind::LetterIs(tool, 'F')) {
+        if (code == 154 && LetterIs(tool, 'F')) {
             if (std::fabs(static_cast<double>(record.Value[1]) - tool.Size[1]) < SizeTolerance)
                 record.Value[1] = tool.Size[1];
             if (record.Value[2] != tool.Size[2] && record.Side <= 0) record.Value[2] = tool.Size[2];
@@ -261,7 +261,7 @@ void BindShape(const MachineState& machine, DrawRecord& record) {
         case 152:
             BindSingleD(record);
             RoundShapeBoxes(record, worked);
-            if (worked) record.Count[3] = bind::LetterIs(tool, 'A') ? 0 : -1;
+            if (worked) record.Count[3] = LetterIs(tool, 'A') ? 0 : -1;
             break;
         case 153:
             BindDoubleD(record);
@@ -269,7 +269,7 @@ void BindShape(const MachineState& machine, DrawRecord& record) {
             break;
         case 154:
             BindObround(record, worked);
-            if (worked && bind::LetterIs(tool, 'F') && record.Side < 1) record.Count[1] = ObroundHits(record);
+            if (worked && LetterIs(tool, 'F') && record.Side < 1) record.Count[1] = ObroundHits(record);
             break;
         case 155:
             BindRadiusedRectangle(record, worked);

@@ -96,9 +96,7 @@ void AddArc(PlaneBox& box, double cx, double cy, double r, double a, double s) {
     }
 }
 
-bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
-
-bool HasWorkingTool(const DrawRecord& record) { return record.ToolA.Present != 0 && record.ToolA.WorkType >= 10; }
+bool HasWorkingTool(const DrawRecord& record) { return IsWorkedTool(record.ToolA); }
 
 bool IsWorkedPath(const MachineState& machine, const DrawRecord& record) {
     return HasWorkingTool(record) && !LetterIs(record.ToolA, 'P') && !machine.IsComboMachine;

@@ -37,7 +37,6 @@ void WidenBoxes(DrawRecord& record, double x, double y);
 // ends and each of the four axis points of its circle that the sweep passes.
 void AddArc(PlaneBox& box, double cx, double cy, double r, double a, double s);
 
-bool LetterIs(const ToolSpec& tool, char letter);
 // The tool works the entity by hits: ToolA.Present non-zero and WorkType 10 or more.
 bool HasWorkingTool(const DrawRecord& record);
 // A line or arc bound as a row of hits: a working tool that is not a profiling tool ("P"), on

@@ -179,13 +179,13 @@ void BindRecord(const MachineState& machine, DrawRecord& record) {
     // A second tool matters only on a rectangle, for profiling and for library tooling: a stale
     // one must never reach an emitter.
     const bool keepsSecond =
-        record.EntityCode == 156 || bind::LetterIs(record.ToolA, 'U') || bind::LetterIs(record.ToolA, 'P');
+        record.EntityCode == 156 || LetterIs(record.ToolA, 'U') || LetterIs(record.ToolA, 'P');
     if (!keepsSecond) ClearTool(record.ToolB);
     record.ToolA.ToolAngle = bind::StoreAngle(record.ToolA.ToolAngle);
     record.ToolB.ToolAngle = bind::StoreAngle(record.ToolB.ToolAngle);
     // A round tool has no orientation; the zeros make two round tools compare equal.
     for (ToolSpec* tool : {&record.ToolA, &record.ToolB}) {
-        if (bind::LetterIs(*tool, 'A')) {
+        if (LetterIs(*tool, 'A')) {
             tool->ToolStep = 0;
             tool->ToolAngle = 0;
         }

@@ -120,6 +120,10 @@ bool IsRotaryWork(int16_t workType) { return workType >= 20; }
 
 bool SameToolName(const ToolSpec& a, const ToolSpec& b) { return a.ToolName.Trimmed() == b.ToolName.Trimmed(); }
 
+bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
+
+bool IsWorkedTool(const ToolSpec& tool) { return tool.Present != 0 && tool.WorkType >= 10; }
+
 std::string EntityNameOfCode(int16_t code) {
     switch (code) {
         case 120: return "Line Profile";

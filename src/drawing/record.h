@@ -143,6 +143,10 @@ bool IsRotaryWork(int16_t workType);   // v >= 20
 
 // True when the two tools' names are the same text once trimmed.
 bool SameToolName(const ToolSpec& a, const ToolSpec& b);
+// True when the tool's class letter is `letter`; a cleared tool's blank letter is none.
+bool LetterIs(const ToolSpec& tool, char letter);
+// True when the tool works an entity by hits: Present non-zero and WorkType 10 or more.
+bool IsWorkedTool(const ToolSpec& tool);
 
 // The EntityName a made record of the code gets: "Line Profile", "Arc Profile", "Punch",
 // "Linear Pattern", "Grid Pattern", "Arc Pattern"; blank for every other code.

@@ -61,10 +61,9 @@ SingleShapeRoutine SingleRadRectRoutine(const DrawRecord& shape) {
     if (!IsWorkedTool(tool)) return SplitRadRectLeads;
     // Outside, a round punch's outline whatever the tool's letter.
     if (shape.Side >= 1) return SplitRadRectRound;
-    const std::string letter = tool.Letter.Text();
-    if (letter == "A") return SplitRadRectRound;
-    if (letter == "C") return shape.Count[1] == 0 ? SplitRadRectEdges : ClearRectByGrid;
-    if (letter == "E") {
+    if (LetterIs(tool, 'A')) return SplitRadRectRound;
+    if (LetterIs(tool, 'C')) return shape.Count[1] == 0 ? SplitRadRectEdges : ClearRectByGrid;
+    if (LetterIs(tool, 'E')) {
         if (shape.Count[1] != 0) return ClearRectByGrid;
         return IsRotaryWork(tool.WorkType) ? SplitRadRectEdgesRotary : SplitRadRectEdges;
     }

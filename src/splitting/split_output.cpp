@@ -7,7 +7,6 @@
 #include "common/numeric.h"
 #include "common/numtext.h"
 #include "drawing/binding.h"
-#include "splitting/split_shapes.h"
 
 namespace tvx {
 namespace {
@@ -131,6 +130,10 @@ void SetArcSegment(DrawRecord& arc, const PlanePoint& s, const PlanePoint& e, co
     SetArcByCentre(arc, centre, radius, startAngle, sweep);
 }
 
+void TurnToolAlongLine(DrawRecord& line) {
+    line.ToolA.ToolAngle = ToSingle(RoundTo(Norm360(static_cast<double>(line.Value[10]) - line.ToolA.ToolStep), 3));
+}
+
 DrawRecord MadeRecord(const DrawRecord& source, int16_t code) {
     DrawRecord made;
     MakeChildRecord(source, code, made);
@@ -199,7 +202,5 @@ bool WriteShapeLead(SplitOutput& out, const DrawRecord& shape, int which, bool c
 }
 
 bool AfterOnLastSegment(const DrawRecord& shape) { return shape.LeadOut.LeadKind == 0; }
-
-bool IsWorkedTool(const ToolSpec& tool) { return tool.Present != 0 && tool.WorkType >= 10; }
 
 }  // namespace tvx

@@ -111,6 +111,10 @@ void SetArcSegment(DrawRecord& arc, const PlanePoint& s, const PlanePoint& e, co
 // derives its start, middle and end.
 void SetArcByCentre(DrawRecord& arc, const PlanePoint& centre, double radius, double startAngle, double sweep);
 
+// A turning tool works a made line along it: ToolA.ToolAngle = Norm360(direction - ToolStep),
+// rounded to 3.
+void TurnToolAlongLine(DrawRecord& line);
+
 // A made record of a source: ClearRecord, the code and its name, CarryWord1 and CarryWord2 and
 // ToolA of the source (MakeChildRecord).
 DrawRecord MadeRecord(const DrawRecord& source, int16_t code);

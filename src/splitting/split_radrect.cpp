@@ -16,8 +16,6 @@
 namespace tvx {
 namespace {
 
-bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
-
 // ---- The outline ---------------------------------------------------------------------------------
 
 // One piece of an outline, turned by the shape's rotation and rounded: a side (a line) or a
@@ -215,9 +213,7 @@ void WriteEdges(SplitOutput& out, const DrawRecord& shape, double shorten, bool 
         SetLineSegment(line, TurnedAbout(ends[k][0], centre, rotation), TurnedAbout(ends[k][1], centre, rotation));
         line.Side = LineSide(*out.Machine, shape.Side, counterClockwise);
         line.FollowFlag = -1;
-        if (toolTurns)
-            line.ToolA.ToolAngle =
-                ToSingle(RoundTo(Norm360(static_cast<double>(line.Value[10]) - line.ToolA.ToolStep), 3));
+        if (toolTurns) TurnToolAlongLine(line);
         if (k == 3) CopyAfter(shape.After, line.After);
         AppendBound(out, shape, line);
     }
@@ -291,10 +287,13 @@ void SplitRadRect(SplitOutput& out, const DrawRecord& shape) {
 
 // ---- A rectangular punch ---------------------------------------------------------------------------
 
+void RectangleAxes(const DrawRecord& shape, double (&axis)[4]) {
+    for (int k = 0; k < 4; ++k) axis[k] = RoundTo(Norm360(static_cast<double>(shape.Value[10]) + 90.0 * k), 3);
+}
+
 void MatchToolToRectangle(const DrawRecord& shape, const ToolSpec& tool, double& alongL, double& acrossL) {
-    const double rotation = shape.Value[10];
     double axis[4];
-    for (int k = 0; k < 4; ++k) axis[k] = RoundTo(Norm360(rotation + 90.0 * k), 3);
+    RectangleAxes(shape, axis);
     const double toolAngle = RoundTo(Norm360(static_cast<double>(tool.ToolAngle) + tool.ToolStep), 3);
     alongL = 0;
     acrossL = 0;

@@ -20,8 +20,6 @@
 namespace tvx {
 namespace {
 
-bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
-
 // ---- The walk --------------------------------------------------------------------------------------
 
 struct Leg {
@@ -38,12 +36,6 @@ std::vector<PlanePoint> WalkCorners(const PlanePoint& start, const std::vector<L
 }
 
 PlanePoint StartCorner(const DrawRecord& shape) { return PlanePoint{shape.Point[1].X, shape.Point[1].Y}; }
-
-// The four axis angles of the rectangle: the rotation and its three quarter turns, each
-// normalised and rounded to 3 (the angles that a tool's angle is matched against).
-void AxisAngles(const DrawRecord& shape, double (&axis)[4]) {
-    for (int k = 0; k < 4; ++k) axis[k] = RoundTo(Norm360(static_cast<double>(shape.Value[10]) + 90.0 * k), 3);
-}
 
 // A side of the outline from s to e: length, direction, and Side by LineSide from the way the
 // outline runs.
@@ -101,7 +93,7 @@ void WriteWorkedSides(SplitOutput& out, const DrawRecord& shape, const SideRule&
     const double l = shape.Value[1];
     const double h = shape.Value[2];
     double axis[4];
-    AxisAngles(shape, axis);
+    RectangleAxes(shape, axis);
     const std::vector<PlanePoint> corners = WalkCorners(StartCorner(shape), {{l, axis[0]}, {h, axis[1]}, {l, axis[2]}});
     for (int k = 0; k < 4; ++k) {
         const bool alongH = k % 2 == 1;
@@ -119,9 +111,7 @@ void WriteWorkedSides(SplitOutput& out, const DrawRecord& shape, const SideRule&
         if (rule.Trims == SideTrims::Both) line.Value[3] = shape.Value[3];
         if (rule.Trims != SideTrims::None) line.Value[4] = shape.Value[3];
         line.FollowFlag = rule.FollowOffForRound && round ? 0 : -1;
-        if (rule.ToolTurns)
-            line.ToolA.ToolAngle =
-                ToSingle(RoundTo(Norm360(static_cast<double>(line.Value[10]) - line.ToolA.ToolStep), 3));
+        if (rule.ToolTurns) TurnToolAlongLine(line);
         if (k == 3) CopyAfter(shape.After, line.After);
         AppendBound(out, shape, line);
     }

@@ -29,8 +29,6 @@
 namespace tvx {
 namespace {
 
-bool HasLetter(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
-
 // A worked shape is inside unless its Side is 1 or more.
 bool IsInside(const DrawRecord& shape) { return shape.Side < 1; }
 
@@ -373,7 +371,7 @@ void SplitCirclePunched(SplitOutput& out, const DrawRecord& shape) {
     const double toolRadius = ToSingle(shape.ToolA.Size[1] / 2.0);
     const double radius = shape.Value[1];
     const double pitch = shape.Value[3];
-    const int16_t rotationFlag = HasLetter(shape.ToolA, 'A') ? int16_t{0} : shape.Count[2];
+    const int16_t rotationFlag = LetterIs(shape.ToolA, 'A') ? int16_t{0} : shape.Count[2];
 
     int32_t hits = 2;
     if (inside) hits = pitch > 0 ? ArcHits(out, shape, radius - toolRadius, 360, pitch) : 1;
@@ -442,7 +440,7 @@ DrawRecord WorkedRoundArc(const SplitOutput& out, const DrawRecord& shape, const
 
 // Inside, the Single-D punch "G" makes the shape in one hit, whatever its size.
 void SplitSingleDPunched(SplitOutput& out, const DrawRecord& shape) {
-    if (IsInside(shape) && HasLetter(shape.ToolA, 'G')) {
+    if (IsInside(shape) && LetterIs(shape.ToolA, 'G')) {
         CentreHit(out, shape, true);
         return;
     }
@@ -456,7 +454,7 @@ void SplitSingleDPunched(SplitOutput& out, const DrawRecord& shape) {
 
 // Inside, the Double-D punch "H" makes the shape in one hit.
 void SplitDoubleDPunched(SplitOutput& out, const DrawRecord& shape) {
-    if (IsInside(shape) && HasLetter(shape.ToolA, 'H')) {
+    if (IsInside(shape) && LetterIs(shape.ToolA, 'H')) {
         CentreHit(out, shape, true);
         return;
     }
@@ -538,7 +536,7 @@ void SplitObroundPunched(SplitOutput& out, const DrawRecord& shape) {
     const ObroundShape o = ObroundPoints(shape, straight, ObroundStart::LowerLeft);
     const bool inside = IsInside(shape);
 
-    if (inside && HasLetter(shape.ToolA, 'F')) {
+    if (inside && LetterIs(shape.ToolA, 'F')) {
         if (static_cast<double>(shape.ToolA.Size[1]) == static_cast<double>(shape.Value[1])) {
             CentreHit(out, shape, true);
         } else {

@@ -52,6 +52,10 @@ void SplitRadRectEdges(SplitOutput& out, const DrawRecord& shape);
 // The same with a tool that turns to each side.
 void SplitRadRectEdgesRotary(SplitOutput& out, const DrawRecord& shape);
 
+// The four axis angles of a rectangle: its rotation Value[10] and its three quarter turns, each
+// normalised and rounded to 3.
+void RectangleAxes(const DrawRecord& shape, double (&axis)[4]);
+
 // The match of a tool's angle against the four axis angles of a rectangle (L Value[1], H
 // Value[2], rotation Value[10]): the tool's extent along L (tL) and across it (tH), exchanged at
 // the second and fourth axis, both 0 at any other angle. Not signed.
@@ -71,8 +75,5 @@ void SplitRectangleInside(SplitOutput& out, const DrawRecord& shape);
 void SplitRectangleInsideRotary(SplitOutput& out, const DrawRecord& shape);
 void SplitRectangleInsideTwoTools(SplitOutput& out, const DrawRecord& shape);
 void SplitRectangleInsideTwoRound(SplitOutput& out, const DrawRecord& shape);
-
-// True when the tool works by hits: Present non-zero and WorkType 10 or more.
-bool IsWorkedTool(const ToolSpec& tool);
 
 }  // namespace tvx

@@ -425,3 +425,26 @@ TEST(ToolString, AToolNumberBeyondSixteenBitsIsAnOverflow) {
     ToolSpec t;
     EXPECT_EQ(FaultOf([&] { ParseToolString("A,RND,10,0,0,0,40000,10,0,0,1", t); }), "Overflow: ToolNumber 40000");
 }
+
+TEST(ToolClass, ALetterTestIsFalseForTheBlankLetterOfAClearedTool) {
+    ToolSpec tool;
+    ClearTool(tool);
+    EXPECT_FALSE(LetterIs(tool, 'A'));
+    EXPECT_FALSE(LetterIs(tool, '\0'));
+    tool.Letter = "E";
+    EXPECT_TRUE(LetterIs(tool, 'E'));
+    EXPECT_FALSE(LetterIs(tool, 'e'));
+}
+
+TEST(ToolClass, AToolIsWorkedWhenPresentWithAWorkTypeOfTenOrMore) {
+    ToolSpec tool;
+    tool.WorkType = 10;
+    EXPECT_FALSE(IsWorkedTool(tool));
+    tool.Present = -1;
+    EXPECT_TRUE(IsWorkedTool(tool));
+    tool.WorkType = 9;
+    EXPECT_FALSE(IsWorkedTool(tool));
+    tool.Present = 1;
+    tool.WorkType = 20;
+    EXPECT_TRUE(IsWorkedTool(tool));
+}
