@@ -3,10 +3,9 @@
 // is given the path of a drawing and rewrites it in place.
 #include <string>
 
-namespace tvx {
+#include "splitting/split_output.h"
 
-struct RunState;
-struct DrawRecord;
+namespace tvx {
 
 void MultipartExplode(RunState& state, const std::string& drawing);
 void AssociativeToolingPass(RunState& state, const std::string& drawing);
@@ -24,10 +23,15 @@ void UnswapGrid(DrawRecord& record);
 // a sweep of 90 either way).
 bool IsRadiusPunchArc(const DrawRecord& record);
 
-// Turns a part drawing by an angle about its origin.
+// Turns every record of a drawing by an angle about the origin, with the rules of its tool's
+// letter (a library tool that no longer fits, a fixed tool at an angle its symmetry does not
+// allow, lose their tools), and binds each again.
 void RotateDrawing(RunState& state, const std::string& drawing, double angle);
-// The extent of a part drawing: its far corner into x and y.
+// The start point of a part drawing: the position of its first record from 2 on that has
+// one, once the shapes of a scratch copy (WormTemp.drw) are split. 0, 0 for a missing drawing.
 void MeasurePart(RunState& state, const std::string& drawing, double& x, double& y);
+// The passes that the split of a library tool runs on its tooling drawing, for a split output.
+LibraryPasses PassesForLibrary(RunState& state);
 // The cutter path of a drawing, written to the drawing's path with the extension "krf".
 // Gives true when it failed.
 bool KerfDrawing(RunState& state, const std::string& drawing);

@@ -38,6 +38,16 @@ inline constexpr SplitChoices SingleShapeChoices{true, true};
 // row of 32767 hits, a grid of 32767 rows) stay far below it.
 inline constexpr int32_t MostRecordsFromOneEntity = 100000;
 
+// What the split of a library tool needs from the passes above this module: the run (its
+// working directory, the job's material and tool library) and the two passes that a tooling
+// drawing goes through before it is placed, the cruciform pass and the turn of a drawing about
+// its origin. An output without them splits a library tool as one whose drawing is missing.
+struct LibraryPasses {
+    RunState* Run = nullptr;
+    void (*Cruciform)(RunState&, const std::string&) = nullptr;
+    void (*Rotate)(RunState&, const std::string&, double) = nullptr;
+};
+
 struct SplitOutput {
     const MachineState* Machine = nullptr;
     // The random-access drawing that the records go to; when null they go to Records, and
@@ -51,6 +61,7 @@ struct SplitOutput {
     std::string Place;
     // Records made from the entity in hand.
     int32_t Made = 0;
+    LibraryPasses Library;
 };
 
 // An output to a random-access drawing.

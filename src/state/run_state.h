@@ -114,6 +114,9 @@ struct JobState {
     // ---- The job's tool table and drawing header ----
     int16_t SeqRowCount = 0;   // tool rows of Program.seq
     int32_t RecordTotal = 0;   // records of the job's drawing
+    // The record count of the drawing that a pass is rewriting, or has just rewritten; the
+    // cruciform pass sets it while it walks and leaves it 0.
+    int32_t WorkingCount = 0;
     std::string MaterialName;  // EntityText of record 1, trimmed
     std::string MaterialText;  // the material's field 11
     float SheetX = 0, SheetY = 0, SheetZ = 0;
