@@ -28,3 +28,9 @@ bool KerfDrawing(RunState&, const std::string& drawing) {
 }
 
 }  // namespace tvx
+
+namespace tvx {
+
+LibraryPasses PassesForLibrary(RunState& state) { return LibraryPasses{&state, &CruciformPass, &RotateDrawing}; }
+
+}  // namespace tvx
