@@ -1,6 +1,9 @@
 // End-to-end jobs. Each folder of tests/jobs holds an installation tree (tree/), the job's
 // drawing in JSON (drawing.json, built into tree/work/Progmain.drw), and what the run must
-// leave: expected/status (the exit status), optional expected/stderr, optional
+// leave. Any other drawing of the tree (a tool drawing of the tooling library, for one) is kept
+// in JSON beside the place of its .drw: "NAME.drw.json" anywhere under tree/ is built into
+// "NAME.drw" in the same folder of the run's tree, and the JSON itself is not copied. What the
+// run must leave: expected/status (the exit status), optional expected/stderr, optional
 // expected/absent (paths that must not exist), and every other file under expected/,
 // compared byte for byte with the file of the same path in the run's tree. "@DIR@" in any
 // file stands for the run's directory.
@@ -41,6 +44,13 @@ std::string Substitute(std::string text, const std::string& dir) {
     return text;
 }
 
+// A drawing kept in JSON in a job's tree: "NAME.drw.json", built into "NAME.drw".
+const std::string JsonSuffix = ".json";
+bool IsDrawingJson(const std::string& name) {
+    const std::string suffix = ".drw" + JsonSuffix;
+    return name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
 std::vector<std::string> JobNames() {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(fs::path(TORVANEX_TEST_DATA) / "jobs"))
@@ -79,9 +89,13 @@ TEST_P(JobTest, RunsAsExpected) {
     const std::string dir = run.Path;
     for (const auto& entry : fs::recursive_directory_iterator(source / "tree")) {
         const fs::path target = root / fs::relative(entry.path(), source / "tree");
+        const std::string name = entry.path().filename().string();
         if (entry.is_directory()) fs::create_directories(target);
-        else if (entry.path().filename() != ".keep") WriteBytes(target, Substitute(ReadBytes(entry.path()), dir));
-        else fs::create_directories(target.parent_path());
+        else if (name == ".keep") fs::create_directories(target.parent_path());
+        else if (IsDrawingJson(name))
+            WriteBytes(target.parent_path() / name.substr(0, name.size() - JsonSuffix.size()),
+                       DrawingFromJson(Substitute(ReadBytes(entry.path()), dir), entry.path().string()));
+        else WriteBytes(target, Substitute(ReadBytes(entry.path()), dir));
     }
     if (fs::exists(source / "drawing.json")) {
         const std::string drawing = DrawingFromJson(ReadBytes(source / "drawing.json"), "drawing.json");
