@@ -23,6 +23,14 @@ std::string Substitute(std::string_view bytes, const std::string& dir) {
     return text;
 }
 
+// A drawing kept in JSON: "NAME.drw.json", written as "NAME.drw".
+const std::string JsonSuffix = ".json";
+bool IsDrawingJson(const std::string& relative) {
+    const std::string suffix = ".drw" + JsonSuffix;
+    return relative.size() > suffix.size() &&
+           relative.compare(relative.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
 void WriteBytes(const fs::path& path, const std::string& bytes) {
     fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -57,6 +65,11 @@ bool UnpackExample(const std::string& example, const std::string& directory) {
             continue;
         }
         const std::string bytes = Substitute(file.Bytes, directory);
+        if (IsDrawingJson(relative)) {
+            const std::string drawing = relative.substr(0, relative.size() - JsonSuffix.size());
+            WriteBytes(root / drawing, DrawingFromJson(bytes, prefix + relative));
+            continue;
+        }
         if (relative == "drawing.json")
             WriteBytes(root / "work" / "Progmain.drw", DrawingFromJson(bytes, prefix + relative));
         WriteBytes(root / relative, bytes);
