@@ -70,6 +70,7 @@ void CruciformPass(RunState& state, const std::string& drawing) {
     DrawingFile file;
     OpenDrawing(file, drawing);
     const int32_t count = ReadRecordCount(file);
+    state.Job.WorkingCount = count;
     ShowProgress("Processing Cruciforms");
     const int32_t onDisk = RecordsOnDisk(file);
     for (int32_t n = 1; n <= count && n <= onDisk; ++n) {
@@ -84,6 +85,7 @@ void CruciformPass(RunState& state, const std::string& drawing) {
         SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
     }
     CloseDrawing(file);
+    state.Job.WorkingCount = 0;
 }
 
 }  // namespace tvx
