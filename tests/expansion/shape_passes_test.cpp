@@ -6,6 +6,7 @@
 #include "common/paths.h"
 #include "expansion/passes.h"
 #include "expansion/pass_support.h"
+#include "tooling/library.h"
 
 using namespace tvx;
 using namespace tvx::passtest;
@@ -242,4 +243,256 @@ TEST(MeasurePart, ThePartDrawingIsMeasuredOnAScratchCopy) {
     MeasurePart(f.State, part, x, y);
     EXPECT_EQ(FileBytes(part), before);
     EXPECT_TRUE(FileExists(f.Path("WormTemp.drw")));
+}
+
+// ---- With the split dispatch ----------------------------------------------------------------
+
+namespace {
+
+DrawRecord LeadedLine(int16_t leadIn, int16_t leadOut) {
+    DrawRecord line = Entity(120);
+    line.Point[1] = SinglePoint{0, 0};
+    line.Point[3] = SinglePoint{10, 0};
+    line.Value[1] = 10;
+    line.ToolA = Tool("P", 1);
+    line.LeadIn = LeadSpec{leadIn, 2, 270, 0};
+    line.LeadOut = LeadSpec{leadOut, 2, 90, 0};
+    line.After = AfterAction{1, 0};
+    return line;
+}
+
+// A rectangle 20 x 10 about (100, 50) with a library tool whose drawing is missing: the split
+// keeps it in the drawing, without its tools.
+DrawRecord UntooledRectangle(int16_t corner) {
+    DrawRecord r = Entity(156);
+    r.Value[1] = 20;
+    r.Value[2] = 10;
+    r.Point[4] = SinglePoint{100, 50};
+    r.Count[3] = corner;
+    r.ToolA = Tool("U", 10, 7);
+    return r;
+}
+
+std::vector<DrawRecord> Passed(PassFixture& f, const std::vector<DrawRecord>& records, void (*pass)(RunState&, const std::string&)) {
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, records);
+    pass(f.State, drawing);
+    std::vector<DrawRecord> after = ReadDrawing(drawing);
+    after.resize(static_cast<size_t>(after.at(0).RecordCount));
+    return after;
+}
+
+}  // namespace
+
+TEST(ShapePass, AProfileLineWithALeadBecomesUpToThreeRecords) {
+    PassFixture f;
+    std::vector<DrawRecord> after = Passed(f, {Header(2), LeadedLine(1, 1)}, ShapePass);
+    ASSERT_EQ(after.size(), 4u);
+    EXPECT_EQ(after[0].RecordCount, 4);
+    // Lead-in, the line without its leads and action, lead-out with the action.
+    EXPECT_EQ(after[1].EntityCode, 120);
+    EXPECT_EQ(after[1].Count[8], 1);
+    EXPECT_EQ(after[2].EntityCode, 120);
+    EXPECT_EQ(after[2].LeadIn.LeadKind, 0);
+    EXPECT_EQ(after[2].After.ActionCode, 0);
+    EXPECT_EQ(after[2].Point[3].X, 10.0f);
+    EXPECT_EQ(after[3].Count[8], 2);
+    EXPECT_EQ(after[3].After.ActionCode, 1);
+    EXPECT_EQ(f.State.Job.WorkingCount, 4);
+
+    after = Passed(f, {Header(2), LeadedLine(0, -1)}, ShapePass);
+    ASSERT_EQ(after.size(), 3u);
+    EXPECT_EQ(after[1].LeadOut.LeadKind, 0);
+    EXPECT_EQ(after[2].Count[8], 2);
+}
+
+// The records behind an entity that grows are put behind its records, in the same order.
+TEST(ShapePass, TheRecordsOfASplitStandWhereTheEntityStood) {
+    PassFixture f;
+    DrawRecord hit = Entity(210);
+    hit.Point[4] = SinglePoint{1, 1};
+    hit.ToolA = Tool("A");
+    DrawRecord circle = Entity(151);
+    circle.Point[4] = SinglePoint{5, 5};
+    circle.Value[1] = 2;
+    circle.ToolA = Tool("P", 1);  // a circle cut by a profiling head without leads: one arc
+    DrawRecord dwell = Entity(311);
+    dwell.Value[1] = 2;
+    const std::vector<DrawRecord> after = Passed(f, {Header(5), hit, circle, LeadedLine(1, 0), dwell}, ShapePass);
+    ASSERT_EQ(after.size(), 6u);
+    EXPECT_EQ(Bytes(after[1]), Bytes(hit));
+    EXPECT_EQ(after[2].EntityCode, 130);
+    EXPECT_EQ(after[2].EntityName.Trimmed(), "Arc Profile");
+    EXPECT_EQ(after[2].Point[4].X, 5.0f);
+    EXPECT_EQ(after[3].Count[8], 1);
+    EXPECT_EQ(after[4].EntityCode, 120);
+    EXPECT_EQ(after[4].After.ActionCode, 0);
+    EXPECT_EQ(Bytes(after[5]), Bytes(dwell));
+}
+
+TEST(ShapePass, AProfileLineOfAnotherLetterStaysOneRecordWithItsLeads) {
+    PassFixture f;
+    DrawRecord line = LeadedLine(1, 1);
+    line.ToolA = Tool("B");
+    const std::vector<DrawRecord> after = Passed(f, {Header(2), line}, ShapePass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(Bytes(after[1]), Bytes(line));
+}
+
+// The associative tooling pass leaves profiles with leads to the shape pass.
+TEST(AssociativeToolingPass, AProfileLineWithALeadIsLeftAsItIs) {
+    PassFixture f;
+    const DrawRecord line = LeadedLine(1, 1);
+    const std::vector<DrawRecord> after = Passed(f, {Header(2), line}, AssociativeToolingPass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(Bytes(after[1]), Bytes(line));
+}
+
+TEST(ShapePass, ACornerCodeIsAppliedToTheRectanglesCentre) {
+    struct Case {
+        int16_t Corner;
+        float X, Y;
+        int16_t After;
+    };
+    for (const Case& c : {Case{0, 100, 50, -1}, Case{1, 100, 50, -1}, Case{2, 100, -50, -1}, Case{3, -100, 50, -1},
+                          Case{4, -100, -50, -1}, Case{-1, 100, 50, -1}}) {
+        PassFixture f;
+        const std::vector<DrawRecord> after = Passed(f, {Header(2), UntooledRectangle(c.Corner)}, ShapePass);
+        ASSERT_EQ(after.size(), 2u);
+        EXPECT_EQ(after[1].EntityCode, 156) << c.Corner;
+        EXPECT_EQ(after[1].Point[4].X, c.X) << c.Corner;
+        EXPECT_EQ(after[1].Point[4].Y, c.Y) << c.Corner;
+        EXPECT_EQ(after[1].Count[3], c.After) << c.Corner;
+        EXPECT_EQ(after[1].ToolA.Present, 0) << c.Corner;
+    }
+}
+
+// A corner code outside -1 and 0 to 4 names no corner: the rectangle is split as it stands, its
+// code kept.
+TEST(ShapePass, ARectangleWithAnUnknownCornerCodeIsSplitAsItStands) {
+    for (int16_t corner : {5, -2, 100}) {
+        PassFixture f;
+        const std::vector<DrawRecord> after = Passed(f, {Header(2), UntooledRectangle(corner)}, ShapePass);
+        ASSERT_EQ(after.size(), 2u);
+        EXPECT_EQ(after[1].Point[4].X, 100.0f) << corner;
+        EXPECT_EQ(after[1].Point[4].Y, 50.0f) << corner;
+        EXPECT_EQ(after[1].Count[3], corner);
+    }
+}
+
+// The corner code is spent once: the rectangle that a walk gives back (here kept by a missing
+// library drawing, then given its library tool again) is not mirrored by the next walk.
+TEST(ShapePass, ARectangleWithCornerCode2WalkedTwiceIsMirroredOnce) {
+    PassFixture f;
+    std::vector<DrawRecord> after = Passed(f, {Header(2), UntooledRectangle(2)}, ShapePass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[1].Point[4].Y, -50.0f);
+    DrawRecord again = after[1];
+    again.ToolA = Tool("U", 10, 7);
+    after = Passed(f, {Header(2), again}, ShapePass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[1].Point[4].Y, -50.0f);
+    EXPECT_EQ(after[1].Count[3], -1);
+}
+
+// The normalised rectangle is put back into the drawing at its own number before it is split:
+// where the drawing shrinks, it is still there behind the new count, with its tools.
+TEST(ShapePass, TheNormalisedRectangleIsWrittenBackAtItsOwnNumber) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(3), Entity(172), UntooledRectangle(3)});
+    ShapePass(f.State, drawing);
+    const std::vector<DrawRecord> after = ReadDrawing(drawing);
+    ASSERT_EQ(after.size(), 3u);
+    EXPECT_EQ(after[0].RecordCount, 2);
+    EXPECT_EQ(after[1].Point[4].X, -100.0f);
+    EXPECT_EQ(after[1].ToolA.Present, 0);
+    EXPECT_EQ(after[2].Point[4].X, -100.0f);
+    EXPECT_EQ(after[2].Count[3], -1);
+    EXPECT_EQ(after[2].ToolA.Letter.Text(), "U");
+}
+
+TEST(AssociativeToolingPass, ARectangleKeepsItsCornerCode) {
+    PassFixture f;
+    const std::vector<DrawRecord> after = Passed(f, {Header(2), UntooledRectangle(2)}, AssociativeToolingPass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[1].Count[3], 2);
+    EXPECT_EQ(after[1].Point[4].Y, 50.0f);
+}
+
+// Record 1 is walked like any other record, but the drawing's own record 1 stays: only its
+// count is written.
+TEST(AssociativeToolingPass, RecordOneIsWalkedButKeepsItsFormApartFromTheCount) {
+    PassFixture f;
+    DrawRecord header = UntooledRectangle(0);
+    header.RecordCount = 2;
+    DrawRecord hit = Entity(210);
+    hit.ToolA = Tool("A");
+    const std::vector<DrawRecord> after = Passed(f, {header, hit}, AssociativeToolingPass);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(Bytes(after[0]), Bytes(header));
+    EXPECT_EQ(Bytes(after[1]), Bytes(hit));
+    EXPECT_EQ(f.State.Job.WorkingCount, 2);
+}
+
+TEST(AssociativeToolingPass, ALibraryToolIsReplacedByItsPlacedDrawing) {
+    PassFixture f;
+    DrawRecord rectangle = UntooledRectangle(0);
+    rectangle.Value[10] = 90;
+    rectangle.After = AfterAction{2, 0.5f};
+    WriteAllLines(JobShapePath(f.State, rectangle, LookupFileMode), {"\"HOOK\",7,0,90,\"7.drw\"", "******"});
+    DrawRecord first = Entity(210);
+    first.Point[4] = SinglePoint{10, 0};
+    first.ToolA = Tool("A");
+    DrawRecord second = first;
+    second.Point[4] = SinglePoint{0, 4};
+    WriteDrawing(JobShapePath(f.State, rectangle, ToolDrawingMode), {Header(3), first, second});
+    DrawRecord dwell = Entity(311);
+    const std::vector<DrawRecord> after = Passed(f, {Header(3), rectangle, dwell}, AssociativeToolingPass);
+    ASSERT_EQ(after.size(), 4u);
+    // Turned by 90 and moved onto (100, 50); the action after on the last hit.
+    EXPECT_NEAR(after[1].Point[4].X, 100, 1e-5);
+    EXPECT_NEAR(after[1].Point[4].Y, 60, 1e-5);
+    EXPECT_EQ(after[1].After.ActionCode, 0);
+    EXPECT_NEAR(after[2].Point[4].X, 96, 1e-5);
+    EXPECT_NEAR(after[2].Point[4].Y, 50, 1e-5);
+    EXPECT_EQ(after[2].After.ActionCode, 2);
+    EXPECT_EQ(after[3].EntityCode, 311);
+    EXPECT_FALSE(FileExists(f.Path("PITooling.drw")));
+}
+
+TEST(AssociativeToolingPass, ShapesWithoutALibraryToolAreLeftToTheShapePass) {
+    PassFixture f;
+    DrawRecord circle = Entity(151);
+    circle.Value[1] = 5;
+    circle.ToolA = Tool("A");
+    DrawRecord oblong = Entity(156);
+    oblong.Value[1] = 5;
+    oblong.Value[2] = 3;
+    const std::vector<DrawRecord> after = Passed(f, {Header(3), circle, oblong}, AssociativeToolingPass);
+    ASSERT_EQ(after.size(), 3u);
+    EXPECT_EQ(Bytes(after[1]), Bytes(circle));
+    EXPECT_EQ(Bytes(after[2]), Bytes(oblong));
+}
+
+// A shape split into a shape is split further on the next run: a rectangle whose library drawing
+// is missing is kept without its tools by the first run and split into its outline by the
+// second, which starts at the rectangle's first corner, Point[1].
+TEST(MeasurePart, ALibraryRectangleWhoseDrawingIsMissingStartsAtItsFirstCorner) {
+    PassFixture f;
+    DrawRecord rectangle = UntooledRectangle(0);
+    rectangle.Point[1] = SinglePoint{90, 45};
+    const SinglePoint p = Measured(f, {rectangle});
+    EXPECT_EQ(p.X, 90.0f);
+    EXPECT_EQ(p.Y, 45.0f);
+}
+
+TEST(MeasurePart, ACustomToolWhoseDrawingIsMissingStartsAtItsPosition) {
+    PassFixture f;
+    DrawRecord custom = Numbered(175);
+    custom.EntityText = "HOOK";
+    custom.ToolA = Tool("U", 10, 7);
+    const SinglePoint p = Measured(f, {custom});
+    EXPECT_EQ(p.X, 4.0f);
+    EXPECT_EQ(p.Y, 40.0f);
 }
