@@ -418,3 +418,25 @@ TEST(RotateDrawing, OffAToolMachineEveryLibraryToolStaysOnlyWhereItFits) {
     for (int16_t code : {152, 153, 154, 155, 156})
         EXPECT_FALSE(LibraryToolStays(f, LibraryShape(code, 12, 12), 360)) << code;
 }
+
+// The library is asked after the entity has taken its new angle: a custom box tool (171), whose
+// folder is named by its angle, is looked up in the folder of the new angle.
+TEST(RotateDrawing, ACustomBoxToolIsLookedUpInTheFolderOfItsNewAngle) {
+    PassFixture f;
+    const DrawRecord box = LibraryShape(171);
+    // The folder at 10 says the tool fits only at 20; the folder at 0 has no entry (any half
+    // degree fits).
+    LibraryEntry(f, box, 10, "20", "0");
+    EXPECT_EQ(Turned(f, box, 10).ToolA.Present, 0);
+}
+
+// The tool is tested at the entity's own new Value[10], not at the angle its folder takes
+// (an obround's folder angle is within 0 and 180).
+TEST(RotateDrawing, ALibraryToolIsTestedAtTheEntitysOwnNewAngle) {
+    PassFixture f;
+    const DrawRecord obround = LibraryShape(154);
+    LibraryEntry(f, obround, 200, "20", "0");
+    EXPECT_EQ(Turned(f, obround, 200).ToolA.Present, 0);
+    LibraryEntry(f, obround, 200, "200", "0");
+    EXPECT_EQ(Turned(f, obround, 200).ToolA.Letter.Text(), "U");
+}

@@ -3,6 +3,7 @@
 // drawing's start.
 #include <gtest/gtest.h>
 
+#include "common/fault.h"
 #include "common/paths.h"
 #include "expansion/passes.h"
 #include "expansion/pass_support.h"
@@ -495,4 +496,22 @@ TEST(MeasurePart, ACustomToolWhoseDrawingIsMissingStartsAtItsPosition) {
     const SinglePoint p = Measured(f, {custom});
     EXPECT_EQ(p.X, 4.0f);
     EXPECT_EQ(p.Y, 40.0f);
+}
+
+// A split that cannot be made ends the run with a fault that names the record and the drawing.
+TEST(ShapePass, AShapeThatCannotBeSplitNamesItsRecordAndDrawing) {
+    PassFixture f;
+    DrawRecord singleD = Entity(152);  // a flat far outside its circle
+    singleD.Point[4] = SinglePoint{5, 5};
+    singleD.Value[1] = 5;
+    singleD.Value[2] = 30;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(3), Entity(110), singleD});
+    try {
+        ShapePass(f.State, drawing);
+        FAIL() << "the split went through";
+    } catch (const RunEnd& end) {
+        EXPECT_EQ(end.Status, ExitFault);
+        EXPECT_EQ(end.Text.rfind("Cannot split record 3 of Progmain.drw (code 152): ", 0), 0u) << end.Text;
+    }
 }
