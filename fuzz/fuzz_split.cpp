@@ -1,7 +1,9 @@
 // Arbitrary bytes as one shape record (the first 518 bytes; fewer are padded with zeros), its
 // code forced into 151 to 156 by the first byte, bound on a fixed machine and split by every
 // routine that the passes and the single-shape path choose among for it, with both output
-// choices. Nothing may crash, report to a sanitizer or run on without end: a damaged record
+// choices, and by the split dispatch. The same bytes also go through the split dispatch as an
+// entity of one of the codes it knows (or of its own code), as read and once bound, on a list
+// and without a tooling library. Nothing may crash, report to a sanitizer or run on without end: a damaged record
 // ends as a fault of the run (a pitch of 0, a path shorter than its pitch, a count beyond 16
 // bits, more records than one entity may make, a value beyond a single), the one end that
 // splitting may take.
@@ -9,11 +11,13 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <vector>
 
 #include "common/fault.h"
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "drawing/record.h"
+#include "splitting/split_dispatch.h"
 #include "splitting/split_output.h"
 #include "splitting/split_shapes.h"
 #include "state/run_state.h"
@@ -57,6 +61,25 @@ void Split(Routine routine, const tvx::MachineState& machine, const tvx::DrawRec
     if (count != out.Made || count > tvx::MostRecordsFromOneEntity) std::abort();
 }
 
+// The split dispatch on a list, without a library: a library tool counts as one whose drawing is
+// missing.
+void Dispatch(const tvx::MachineState& machine, tvx::DrawRecord record) {
+    std::vector<tvx::DrawRecord> records;
+    int32_t count = 0;
+    tvx::SplitOutput out = tvx::ListOutput(machine, records, count, tvx::MainPathChoices, "record 2 of fuzz.drw");
+    try {
+        tvx::SplitRecord(out, record);
+    } catch (const tvx::RunEnd& end) {
+        if (end.Status != tvx::ExitFault) std::abort();
+    }
+    if (count != out.Made || count != static_cast<int32_t>(records.size()) || count > tvx::MostRecordsFromOneEntity)
+        std::abort();
+}
+
+// The codes of the dispatch's table; the last entry keeps the record's own code.
+constexpr int16_t DispatchCodes[] = {120, 130, 151, 152, 153, 154, 155, 156, 175, 210,
+                                     220, 225, 230, 311, 350, 110, 500, 0};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -83,5 +106,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Split(routine, machine, shape, tvx::MainPathChoices);
         Split(routine, machine, shape, tvx::SingleShapeChoices);
     }
+    Dispatch(machine, shape);
+
+    constexpr size_t codeCount = sizeof(DispatchCodes) / sizeof(DispatchCodes[0]);
+    tvx::DrawRecord entity = tvx::DecodeRecord(bytes.substr(0, tvx::RecordLength));
+    const size_t pick = (data[0] / 12) % codeCount;
+    if (pick + 1 < codeCount) entity.EntityCode = DispatchCodes[pick];
+    Dispatch(machine, entity);
+    try {
+        tvx::BindRecord(machine, entity);
+    } catch (const tvx::RunEnd& end) {
+        if (end.Status != tvx::ExitFault) std::abort();
+        return 0;
+    }
+    Dispatch(machine, entity);
     return 0;
 }

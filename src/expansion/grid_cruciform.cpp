@@ -1,11 +1,10 @@
 // The two passes that finish a drawing in place without changing its number of records: grids
 // lose their exchanged-axes form, and the quarter arcs of a radius punch become single hits.
-#include <cmath>
-
 #include "common/numeric.h"
 #include "drawing/binding.h"
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
+#include "splitting/radius_punch.h"
 #include "state/run_state.h"
 #include "ui/progress.h"
 
@@ -18,22 +17,6 @@ bool IsSwappedGrid(const DrawRecord& record) {
 }
 
 }  // namespace
-
-bool IsRadiusPunchArc(const DrawRecord& record) {
-    return record.EntityCode == 130 && std::fabs(record.Value[11]) == 90.0f && record.Side == 1 &&
-           record.ToolA.Letter.Text() == "M";
-}
-
-void ArcToPunch(const RunState& state, DrawRecord& record) {
-    DrawRecord hit;
-    ClearRecord(hit);
-    hit.EntityCode = 210;
-    hit.EntityName = "Punch";
-    hit.Point[4] = record.Point[5];
-    CopyTool(record.ToolA, hit.ToolA);
-    BindRecord(state.Machine, hit);
-    CopyRecord(hit, record);
-}
 
 void UnswapGrid(DrawRecord& record) {
     if (!IsSwappedGrid(record)) return;
@@ -70,6 +53,7 @@ void CruciformPass(RunState& state, const std::string& drawing) {
     DrawingFile file;
     OpenDrawing(file, drawing);
     const int32_t count = ReadRecordCount(file);
+    state.Job.WorkingCount = count;
     ShowProgress("Processing Cruciforms");
     const int32_t onDisk = RecordsOnDisk(file);
     for (int32_t n = 1; n <= count && n <= onDisk; ++n) {
@@ -84,6 +68,7 @@ void CruciformPass(RunState& state, const std::string& drawing) {
         SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
     }
     CloseDrawing(file);
+    state.Job.WorkingCount = 0;
 }
 
 }  // namespace tvx

@@ -3,6 +3,7 @@
 // is given the path of a drawing and rewrites it in place.
 #include <string>
 
+#include "splitting/radius_punch.h"
 #include "splitting/split_output.h"
 
 namespace tvx {
@@ -15,13 +16,8 @@ void CruciformPass(RunState& state, const std::string& drawing);
 // Places the tooling drawing of an entity's library tool on AssTool.drw, for the generation
 // loop to read next.
 void MakeAssociatedTooling(RunState& state, DrawRecord& record);
-// Turns a quarter arc of a radius punch into one hit, in place.
-void ArcToPunch(const RunState& state, DrawRecord& record);
 // Turns a grid stored with its axes exchanged into the plain form, in place.
 void UnswapGrid(DrawRecord& record);
-// True when a record is a quarter arc worked by a radius punch (code 130, letter "M", Side 1,
-// a sweep of 90 either way).
-bool IsRadiusPunchArc(const DrawRecord& record);
 
 // Turns every record of a drawing by an angle about the origin, with the rules of its tool's
 // letter (a library tool that no longer fits, a fixed tool at an angle its symmetry does not

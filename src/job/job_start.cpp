@@ -9,11 +9,15 @@
 namespace tvx {
 
 void StartJob(RunState& state) {
+    LoadRunMachine(state);
+    CountSequenceRows(state);
+}
+
+void LoadRunMachine(RunState& state) {
     LoadStartupConfig(state);
     LoadMachine(state, state.Config.MachineNumber, state.Config.ProjectName);
     std::string material = "Default";
     LoadMaterial(state, material);
-    CountSequenceRows(state);
 }
 
 void CountSequenceRows(RunState& state) {

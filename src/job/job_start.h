@@ -7,6 +7,9 @@ struct RunState;
 // Loads the configuration, the machine and the Default material, and counts the tool rows of
 // Program.seq.
 void StartJob(RunState& state);
+// The first part of StartJob: the configuration, the machine and the Default material, as a
+// run loads them.
+void LoadRunMachine(RunState& state);
 // Counts the tool rows of Program.seq into SeqRowCount.
 void CountSequenceRows(RunState& state);
 // Reads JobPath, JobName and JobTitle from Program.pth.

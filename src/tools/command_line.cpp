@@ -8,6 +8,7 @@
 #include "job/post_main.h"
 #include "tools/demo_tool.h"
 #include "tools/drawing_tool.h"
+#include "tools/library_tool.h"
 #include "tools/try_tool.h"
 
 namespace tvx {
@@ -58,9 +59,35 @@ int RunCommandLine(int argc, char** argv) {
     tryCommand->add_flag("--raw", tryRaw, "Print the generated text before the format pass");
     tryCommand->add_option("--seq", tryOptions.SequenceFile, "Job sequence file (Program.seq) for layouts");
 
+    auto* library = app.add_subcommand("library", "Look into a tooling library: folders, Tooling.lkp, angles");
+    library->footer(LibraryHelp);
+    library->require_subcommand(1);
+    LibraryPathOptions pathOptions;
+    auto* libraryPath = library->add_subcommand("path", "The size and library folders of a shape record");
+    libraryPath->footer(LibraryPathHelp);
+    libraryPath->add_option("entity", pathOptions.EntityFile, "JSON of one record (an object) or of a drawing (an array)")
+        ->required();
+    libraryPath->add_option("--work", pathOptions.WorkDir, "Directory holding Torvanex.cfg (default: the current one)");
+    auto* materialOption = libraryPath->add_option(
+        "--material", pathOptions.Material, "Folder name on a profile machine (default: the machine's loaded material)");
+    auto* libraryOption = libraryPath->add_option(
+        "--library", pathOptions.Library, "Folder name on other machines (default: the machine's library, else Full Library)");
+    std::string listPlace;
+    auto* libraryList = library->add_subcommand("list", "The entries of a Tooling.lkp as a run reads them");
+    libraryList->footer(LibraryListHelp);
+    libraryList->add_option("dir", listPlace, "Library folder, or its Tooling.lkp")->required();
+    std::string fitsPlace, fitsNumber, fitsAngle;
+    auto* libraryFits = library->add_subcommand("fits", "Whether a library tool fits at an angle");
+    libraryFits->footer(LibraryFitsHelp);
+    libraryFits->add_option("dir", fitsPlace, "Library folder, or its Tooling.lkp")->required();
+    libraryFits->add_option("number", fitsNumber, "Tool number")->required();
+    libraryFits->add_option("angle", fitsAngle, "Angle in degrees")->required();
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
+        // `library fits` tells bad arguments from a missing library by its status.
+        if (libraryFits->parsed()) return app.exit(e) == 0 ? 0 : ExitAbort;
         return app.exit(e) == 0 ? 0 : ExitFault;
     }
 
@@ -71,6 +98,13 @@ int RunCommandLine(int argc, char** argv) {
             tryOptions.FormatPass = !tryRaw;
             return TryCommand(tryOptions, std::cout, std::cerr);
         }
+        if (*libraryPath) {
+            pathOptions.MaterialGiven = materialOption->count() > 0;
+            pathOptions.LibraryGiven = libraryOption->count() > 0;
+            return LibraryPathCommand(pathOptions, std::cout, std::cerr);
+        }
+        if (*libraryList) return LibraryListCommand(listPlace, std::cout, std::cerr);
+        if (*libraryFits) return LibraryFitsCommand(fitsPlace, fitsNumber, fitsAngle, std::cout, std::cerr);
         if (*run) return RunJob(runDirectory);
         if (*demo) return DemoCommand(demoExample, demoDirectory, std::cout);
         return RunJob("");

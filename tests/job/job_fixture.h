@@ -31,6 +31,10 @@ struct JobFixture {
         State.Job.WorkDir = dir;
         State.Job.CurrentDir = dir;
         State.Machine.MachineStem = dir + "M.";
+        // A library tooling looks its folders up (and makes them) under these: never outside the
+        // test's own directory.
+        State.Machine.ShapesDir = dir + "Shapes/";
+        State.Machine.CustomDir = dir + "Custom/";
         SetDefinitionFiles(State);
         OpenEngineOutput(State, State.Engine.ProgramOutput, State.Job.ProgramFile);
         OpenEngineOutput(State, State.Engine.ReportOutput, State.Job.ReportFile);
