@@ -38,6 +38,31 @@ TEST(DemoCommand, ToolDrawingsKeptInJsonAreUnpackedAsDrawings) {
     EXPECT_TRUE(FileExists(dir.Path + "/drawing.json"));
 }
 
+// The row of library tooling in the punch example, worked out by hand: after the obround's hit
+// at 850, 300 (tool 4) come the slot (tool 1 of Rectangle\Inside\10x40: a row from 0, -15 to
+// 0, 15 at pitch 7.5, turned by 30 - 0 degrees and moved to 150, 450: from 157.5, 437.0096 along
+// 120 degrees), the hole of 40 (twelve hits on radius 15 about 350, 450 from 0 degrees, 30
+// apart) and the vent (a 3 x 3 grid of pitch 15 from 535, 435, row by row, back and forth).
+TEST(DemoCommand, PunchExamplePlacesItsLibraryTooling) {
+    TempDir dir;
+    std::ostringstream out;
+    ASSERT_EQ(DemoCommand("punch", dir.Path + "/demo", out), 0);
+    const std::string program = ReadAllBytes(dir.Path + "/demo/work/Progmain.prg");
+    const std::string row =
+        "N390X850.000\r\n"
+        "N400T1X157.500Y437.010\r\nN410X153.750Y443.505\r\nN420X150.000Y450.000\r\n"
+        "N430X146.250Y456.495\r\nN440X142.500Y462.990\r\n"
+        "N450X365.000Y450.000\r\nN460X362.990Y457.500\r\nN470X357.500Y462.990\r\n"
+        "N480X350.000Y465.000\r\nN490X342.500Y462.990\r\nN500X337.010Y457.500\r\n"
+        "N510X335.000Y450.000\r\nN520X337.010Y442.500\r\nN530X342.500Y437.010\r\n"
+        "N540X350.000Y435.000\r\nN550X357.500Y437.010\r\nN560X362.990Y442.500\r\n"
+        "N570X535.000Y435.000\r\nN580X550.000\r\nN590X565.000\r\n"
+        "N600Y450.000\r\nN610X550.000\r\nN620X535.000\r\n"
+        "N630Y465.000\r\nN640X550.000\r\nN650X565.000\r\n"
+        "N660G04P0.50\r\n";
+    EXPECT_NE(program.find(row), std::string::npos) << program;
+}
+
 TEST(DemoCommand, UnknownExampleIsAFaultNamingTheExamples) {
     TempDir dir;
     std::ostringstream out;
