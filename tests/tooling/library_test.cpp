@@ -557,3 +557,12 @@ TEST(ToolFitsAngle, HugeOrUnreadableStepsFitOnlyTheOwnAngle) {
     EXPECT_FALSE(ToolFitsAngle(20.0f, 10, std::nan("")));
     EXPECT_FALSE(ToolFitsAngle(20.0f, std::nan(""), 10));
 }
+
+TEST(ToolFitsAngle, AngleJustBelowAFullTurnIsTheSingle360AndStepsDownFromThere) {
+    // 359.99999999 becomes the single 360: a step of 360 reaches 0 from it, one of 400 nothing.
+    const double almost = 359.99999999;
+    EXPECT_TRUE(ToolFitsAngle(360.0f, almost, 400));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, almost, 400));
+    EXPECT_TRUE(ToolFitsAngle(0.0f, almost, 360));
+    EXPECT_TRUE(ToolFitsAngle(270.0f, almost, 90));
+}
