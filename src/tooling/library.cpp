@@ -338,11 +338,11 @@ bool ToolFitsAngle(float wanted, double toolAngle, double step) {
     double s = std::fabs(step);
     if (s == 0) s = 360;
     if (s < 0.1) s = 0.1;
-    // A step of a whole turn or more (or one that is not a number) reaches no angle but the
-    // tool's own: the first step up is at 360 or beyond, the first step down below 0.
-    if (!(s <= 360)) s = 360;
-    const float stepSingle = ToSingle(s);
     if (a == wanted) return true;
+    // A step that is not a number, or beyond any turn, reaches no angle but the tool's own: the
+    // first step up is far beyond 360 and the first step down far below 0.
+    if (!(s <= 1e30)) return false;
+    const float stepSingle = ToSingle(s);
     for (float v = ToSingle(static_cast<double>(a) + stepSingle); v < 360.0f;
          v = ToSingle(static_cast<double>(v) + stepSingle))
         if (v == wanted) return true;

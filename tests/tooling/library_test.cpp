@@ -557,3 +557,56 @@ TEST(ToolFitsAngle, HugeOrUnreadableStepsFitOnlyTheOwnAngle) {
     EXPECT_FALSE(ToolFitsAngle(20.0f, 10, std::nan("")));
     EXPECT_FALSE(ToolFitsAngle(20.0f, std::nan(""), 10));
 }
+
+TEST(ToolFitsAngle, AngleJustBelowAFullTurnIsTheSingle360AndStepsDownFromThere) {
+    // 359.99999999 becomes the single 360: a step of 360 reaches 0 from it, one of 400 nothing.
+    const double almost = 359.99999999;
+    EXPECT_TRUE(ToolFitsAngle(360.0f, almost, 400));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, almost, 400));
+    EXPECT_TRUE(ToolFitsAngle(0.0f, almost, 360));
+    EXPECT_TRUE(ToolFitsAngle(270.0f, almost, 90));
+}
+
+TEST(ShapeFolder, AngleJustBelowAFullTurnRoundsToThreeSixtyInThreeDecimals) {
+    // Norm360 first, then 3 decimals: 359.9996 becomes 360, not 0.
+    LibraryRig rig;
+    EXPECT_DOUBLE_EQ(ShapeFolder(rig.Machine, Shape(152, 10, 16, 359.9996f)).Angle, 360);
+    EXPECT_EQ(ShapeFolder(rig.Machine, Shape(171, 10, 16, 359.9996f)).Folder, rig.Shapes("Custom\\10x16a360\\"));
+}
+
+TEST(ShapePath, ModesBelowOneOtherThanMinusTwoGiveTheSizeFolder) {
+    LibraryRig rig;
+    for (int given : {-1, -3, -100}) {
+        int mode = given;
+        EXPECT_EQ(ShapePath(rig.Machine, Shape(151, 5, 0, 0), mode, "", ""), rig.Shapes("Circle\\Outside\\10\\")) << given;
+        EXPECT_EQ(mode, given);
+    }
+    EXPECT_FALSE(FileExists(rig.Shapes("Circle\\Outside\\10\\0.drw")));
+}
+
+TEST(ShapePath, BlankNamesAreTrimmedAndTakeTheirDefaults) {
+    LibraryRig profile(true);
+    int mode = LibraryFolderMode;
+    EXPECT_EQ(ShapePath(profile.Machine, Shape(151, 5, 0, 0), mode, "   ", ""), profile.Shapes("Circle\\Outside\\10\\Default\\"));
+    mode = LibraryFolderMode;
+    EXPECT_EQ(ShapePath(profile.Machine, Shape(151, 5, 0, 0), mode, " Alu ", ""), profile.Shapes("Circle\\Outside\\10\\Alu\\"));
+    LibraryRig tool;
+    mode = LibraryFolderMode;
+    EXPECT_EQ(ShapePath(tool.Machine, Shape(151, 5, 0, 0), mode, "", "  "), tool.Shapes("Circle\\Outside\\10\\Full Library\\"));
+}
+
+TEST(ToolingList, TinyStepCountsAsATenthNotAsNothingAndALargeStepIsKept) {
+    // The step is normalised before it is kept as a single: 1E-50 is below a tenth, not 0.
+    LibraryRig rig;
+    const ToolingList list = ReadToolingList(rig.Lookup("\"a\",1,0,1E-50,\"a\"\r\n\"b\",2,0,720,\"b\"\r\n"));
+    ASSERT_EQ(list.Entries.size(), 2u);
+    EXPECT_EQ(list.Entries[0].AngleStep, 0.1f);
+    EXPECT_EQ(list.Entries[1].AngleStep, 720.0f);
+}
+
+TEST(ToolingList, AngleJustBelowAFullTurnIsKeptAsTheSingle360) {
+    LibraryRig rig;
+    const ToolingList list = ReadToolingList(rig.Lookup("\"a\",1,359.99999999,90,\"a\"\r\n"));
+    ASSERT_EQ(list.Entries.size(), 1u);
+    EXPECT_EQ(list.Entries[0].ToolAngle, 360.0f);
+}
