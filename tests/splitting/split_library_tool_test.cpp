@@ -472,3 +472,21 @@ TEST(SplitLibraryTool, StaleWorkingFileLeavesNothingBehind) {
     ASSERT_EQ(r.size(), 1u);
     ExpectPoint(r[0].Point[4], 101, 51, 0);
 }
+
+// With the run's own turn: the drawing stored at 30 is placed on an entity at 120, a turn of 90
+// about the drawing's origin before the move. The hit at (10, 0) turns to (0, 10) and lands on
+// (100, 60); the line from (0, 0) to (20, 0) turns to run up from (100, 50) to (100, 70).
+TEST(SplitLibraryTool, DrawingIsTurnedAboutItsOriginBeforeItIsMoved) {
+    LibraryRig rig;
+    DrawRecord entity = Bracket(120);
+    rig.Place(entity, {Line(0, 0, 20, 0, true), Piece(210, 10, 0, true)}, ToolSeven("30"));
+    const std::vector<DrawRecord> r = rig.Split(entity, RotateDrawing);
+    ASSERT_EQ(r.size(), 2u);
+    EXPECT_EQ(r[0].EntityCode, 120);
+    ExpectPoint(r[0].Point[1], 100, 50);
+    ExpectPoint(r[0].Point[3], 100, 70);
+    EXPECT_NEAR(r[0].Value[10], 90, 1e-3);
+    EXPECT_EQ(r[1].EntityCode, 210);
+    ExpectPoint(r[1].Point[4], 100, 60);
+    EXPECT_EQ(r[1].After.ActionCode, 2);
+}
