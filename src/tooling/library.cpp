@@ -338,9 +338,10 @@ bool ToolFitsAngle(float wanted, double toolAngle, double step) {
     double s = std::fabs(step);
     if (s == 0) s = 360;
     if (s < 0.1) s = 0.1;
-    // A step of a whole turn or more (or one that is not a number) reaches no angle but the
-    // tool's own: the first step up is at 360 or beyond, the first step down below 0.
-    if (!(s <= 360)) s = 360;
+    // A step beyond two turns (or one that is not a number) reaches no angle but the tool's own:
+    // the tool's angle, as a single, is at most 360, so the first step up is at 360 or beyond and
+    // the first step down below 0. Held at two turns, it stays within a single's range.
+    if (!(s <= 720)) s = 720;
     const float stepSingle = ToSingle(s);
     if (a == wanted) return true;
     for (float v = ToSingle(static_cast<double>(a) + stepSingle); v < 360.0f;

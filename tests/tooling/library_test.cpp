@@ -551,6 +551,16 @@ TEST(ToolFitsAngle, SumsAreSinglesComparedExactly) {
     EXPECT_EQ(ToolFitsAngle(0.3f, 0, 0.1), v == 0.3f);
 }
 
+// A tool angle just below a full turn is 360 as a single. One step of 360 down from it reaches 0;
+// a step above a full turn reaches nothing, up or down, and is not taken as a full turn.
+TEST(ToolFitsAngle, StepAboveAFullTurnIsNotTakenAsAFullTurn) {
+    EXPECT_TRUE(ToolFitsAngle(0.0f, 359.99999, 360));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 400));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 720));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 1e300));
+    EXPECT_TRUE(ToolFitsAngle(360.0f, 359.99999, 400));
+}
+
 TEST(ToolFitsAngle, HugeOrUnreadableStepsFitOnlyTheOwnAngle) {
     EXPECT_TRUE(ToolFitsAngle(10.0f, 10, 1e300));
     EXPECT_FALSE(ToolFitsAngle(20.0f, 10, 1e300));
