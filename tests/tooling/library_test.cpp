@@ -400,6 +400,15 @@ TEST(ToolingList, EntriesAreNormalisedAsTheyAreRead) {
     EXPECT_EQ(list.Entries[2].AngleStep, 0.1f);
 }
 
+// The angle is normalised as the number it is read as, and only then kept as a single: 370.1
+// becomes the single nearest 10.1, not 370.1 as a single less 360 (10.100006).
+TEST(ToolingList, ToolAngleIsNormalisedBeforeItIsKeptAsASingle) {
+    LibraryRig rig;
+    const std::string path = rig.Lookup("\"a\",1,370.1,90,\"a.drw\"\r\n");
+    EXPECT_EQ(LookupToolEntry(path, 1).ToolAngle, 10.1f);
+    EXPECT_NE(LookupToolEntry(path, 1).ToolAngle, static_cast<float>(static_cast<double>(370.1f) - 360.0));
+}
+
 TEST(ToolingList, EntriesAreSortedByFileKeepingTheOrderOfOneFile) {
     LibraryRig rig;
     const std::string path = rig.Lookup(
