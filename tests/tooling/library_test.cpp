@@ -400,6 +400,15 @@ TEST(ToolingList, EntriesAreNormalisedAsTheyAreRead) {
     EXPECT_EQ(list.Entries[2].AngleStep, 0.1f);
 }
 
+// The angle is normalised as the number it is read as, and only then kept as a single: 370.1
+// becomes the single nearest 10.1, not 370.1 as a single less 360 (10.100006).
+TEST(ToolingList, ToolAngleIsNormalisedBeforeItIsKeptAsASingle) {
+    LibraryRig rig;
+    const std::string path = rig.Lookup("\"a\",1,370.1,90,\"a.drw\"\r\n");
+    EXPECT_EQ(LookupToolEntry(path, 1).ToolAngle, 10.1f);
+    EXPECT_NE(LookupToolEntry(path, 1).ToolAngle, static_cast<float>(static_cast<double>(370.1f) - 360.0));
+}
+
 TEST(ToolingList, EntriesAreSortedByFileKeepingTheOrderOfOneFile) {
     LibraryRig rig;
     const std::string path = rig.Lookup(
@@ -549,6 +558,16 @@ TEST(ToolFitsAngle, SumsAreSinglesComparedExactly) {
     v = v + 0.1f;
     EXPECT_TRUE(ToolFitsAngle(v, 0, 0.1));
     EXPECT_EQ(ToolFitsAngle(0.3f, 0, 0.1), v == 0.3f);
+}
+
+// A tool angle just below a full turn is 360 as a single. One step of 360 down from it reaches 0;
+// a step above a full turn reaches nothing, up or down, and is not taken as a full turn.
+TEST(ToolFitsAngle, StepAboveAFullTurnIsNotTakenAsAFullTurn) {
+    EXPECT_TRUE(ToolFitsAngle(0.0f, 359.99999, 360));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 400));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 720));
+    EXPECT_FALSE(ToolFitsAngle(0.0f, 359.99999, 1e300));
+    EXPECT_TRUE(ToolFitsAngle(360.0f, 359.99999, 400));
 }
 
 TEST(ToolFitsAngle, HugeOrUnreadableStepsFitOnlyTheOwnAngle) {
