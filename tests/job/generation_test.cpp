@@ -415,3 +415,57 @@ TEST(FetchRecord, ShapeDrawInsideAPartIsWalkedBeforeThePartDrawing) {
     f.State.Engine.SubroutineOutput = false;
     CloseDrawing(loop.PartDrawing);
 }
+
+// Inside a part, a record of AssTool.drw with a tool is taken whatever its tool, while the stream
+// is open; one without a tool is passed over. The part's records are matched against the tool of
+// the record in work, which after the tooling is the tooling's last record taken, not the tool
+// of the part record (510) that opened the part.
+TEST(FetchRecord, AToolingInsideAPartIsTakenWhateverItsToolAndLeavesItsToolToMatch) {
+    JobFixture f(PunchBlocks());
+    LoopState& loop = f.State.Loop;
+    const ToolSpec a = Tool("A", "RND", 10, 1, 10);
+    const ToolSpec oblong = Tool("F", "OB", 5, 3, 10);
+    OpenDrawing(loop.PartDrawing, f.Path("part.drw"));
+    DrawRecord header;
+    header.EntityCode = 1;
+    header.RecordCount = 4;
+    WriteRecord(loop.PartDrawing, 1, header);
+    WriteRecord(loop.PartDrawing, 2, HitAt(20, oblong));
+    WriteRecord(loop.PartDrawing, 3, HitAt(30, a));
+    WriteRecord(loop.PartDrawing, 4, HitAt(40, oblong));
+    loop.PartIndex = 1;
+    loop.PartRecordCount = 4;
+    loop.Record.ToolA = a;
+    f.State.Engine.SubroutineOutput = true;
+    OpenDrawing(loop.ToolingDrawing, f.Path("AssTool.drw"));
+    WriteRecord(loop.ToolingDrawing, 1, header);
+    WriteRecord(loop.ToolingDrawing, 2, HitAt(1, Tool("C", "SQ", 20, 2, 10)));
+    DrawRecord untooled = HitAt(2, ToolSpec{});
+    untooled.EntityCode = 120;
+    WriteRecord(loop.ToolingDrawing, 3, untooled);
+    WriteRecord(loop.ToolingDrawing, 4, HitAt(3, oblong));
+    loop.ToolingActive = true;
+    loop.ToolingIndex = 1;
+
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_EQ(loop.Record.Point[4].X, 1.0f);
+    EXPECT_EQ(loop.ToolingIndex, 2);
+    EXPECT_TRUE(loop.PartMatch);
+    // The untooled line is passed over within the same fetch.
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_EQ(loop.Record.Point[4].X, 3.0f);
+    EXPECT_EQ(loop.ToolingIndex, 4);
+    EXPECT_EQ(loop.PartIndex, 1);
+    // The stream's end, then the part's record 2, of the tool of the tooling's last record.
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_FALSE(loop.ToolingActive);
+    EXPECT_FALSE(IsOpen(loop.ToolingDrawing));
+    EXPECT_EQ(loop.PartIndex, 2);
+    EXPECT_EQ(loop.Record.Point[4].X, 20.0f);
+    // Record 3, of the tool that opened the part, is passed over.
+    ASSERT_TRUE(FetchRecord(f.State));
+    EXPECT_EQ(loop.PartIndex, 4);
+    EXPECT_EQ(loop.Record.Point[4].X, 40.0f);
+    f.State.Engine.SubroutineOutput = false;
+    CloseDrawing(loop.PartDrawing);
+}

@@ -46,10 +46,8 @@ void Write(const std::string& path, const std::vector<DrawRecord>& records) {
     for (size_t i = 0; i < records.size(); ++i) WriteRecord(file, static_cast<int32_t>(i + 1), records[i]);
 }
 
-}  // namespace
-
-TEST(GenerationLoop, APlacedLibraryToolingIsPostedBeforeTheDrawingGoesOn) {
-    JobFixture f({"CANNED_PUNCH=TRUE", "P[X_AXIS][Y_AXIS]", "******"});
+// A tool machine with an empty tool table, posting hits.
+void PunchMachine(JobFixture& f) {
     WriteAllLines(f.State.Job.SeqFile, {"SEQUENCE", "******"});
     CountSequenceRows(f.State);
     f.State.Machine.StationCount = 20;
@@ -58,8 +56,11 @@ TEST(GenerationLoop, APlacedLibraryToolingIsPostedBeforeTheDrawingGoesOn) {
     f.State.Machine.IsToolMachine = true;
     f.State.Machine.ShapesDir = f.Path("Shapes/");
     f.State.Machine.ToolLibrary = "Lib";
+}
 
-    // An inside rectangle at (100, 50) tooled by library tool 7, stored at its own angle 0.
+// An inside rectangle at (100, 50) tooled by library tool 7, stored at its own angle 0, whose
+// tool drawing is the records given.
+DrawRecord LibraryRectangle(JobFixture& f, const std::vector<DrawRecord>& drawing) {
     DrawRecord rectangle;
     rectangle.EntityCode = 156;
     rectangle.Value[1] = 10;
@@ -69,7 +70,16 @@ TEST(GenerationLoop, APlacedLibraryToolingIsPostedBeforeTheDrawingGoesOn) {
     rectangle.ToolA.Letter = "U";
     rectangle.ToolA.ToolNumber = 7;
     WriteAllLines(JobShapePath(f.State, rectangle, LookupFileMode), {"\"HOOK\",7,0,90,\"7.drw\"", "******"});
-    Write(JobShapePath(f.State, rectangle, ToolDrawingMode), {Header(3), Hit(5, 0), Hit(0, 5)});
+    Write(JobShapePath(f.State, rectangle, ToolDrawingMode), drawing);
+    return rectangle;
+}
+
+}  // namespace
+
+TEST(GenerationLoop, APlacedLibraryToolingIsPostedBeforeTheDrawingGoesOn) {
+    JobFixture f({"CANNED_PUNCH=TRUE", "P[X_AXIS][Y_AXIS]", "******"});
+    PunchMachine(f);
+    const DrawRecord rectangle = LibraryRectangle(f, {Header(3), Hit(5, 0), Hit(0, 5)});
 
     Write(f.Path("Progmain.drw"), {Header(3), rectangle, Hit(1, 2)});
     OpenDrawing(f.State.Loop.MainDrawing, f.Path("Progmain.drw"));
@@ -77,4 +87,31 @@ TEST(GenerationLoop, APlacedLibraryToolingIsPostedBeforeTheDrawingGoesOn) {
     RunGenerationLoop(f.State);
     EXPECT_FALSE(f.State.Loop.ToolingActive);
     EXPECT_EQ(f.Program(), "PX105.000Y50.000\r\nPX100.000Y55.000\r\nPX1.000Y2.000\r\n");
+}
+
+// The loop goes on while the tooling stream is open: a tooling that the last record of the
+// drawing starts is still posted.
+TEST(GenerationLoop, AToolingStartedByTheLastRecordIsStillPosted) {
+    JobFixture f({"CANNED_PUNCH=TRUE", "P[X_AXIS][Y_AXIS]", "******"});
+    PunchMachine(f);
+    const DrawRecord rectangle = LibraryRectangle(f, {Header(3), Hit(5, 0), Hit(0, 5)});
+    Write(f.Path("Progmain.drw"), {Header(3), Hit(1, 2), rectangle});
+    OpenDrawing(f.State.Loop.MainDrawing, f.Path("Progmain.drw"));
+    f.State.Job.RecordTotal = 3;
+    RunGenerationLoop(f.State);
+    EXPECT_FALSE(f.State.Loop.ToolingActive);
+    EXPECT_EQ(f.Program(), "PX1.000Y2.000\r\nPX105.000Y50.000\r\nPX100.000Y55.000\r\n");
+}
+
+// The stream ends at its first record of code 0, not at the tooling drawing's count: a record
+// behind the count is read too, where the placing (which moves records up to the count) left it.
+TEST(GenerationLoop, ARecordOfTheToolingDrawingBehindItsCountIsPostedUnmoved) {
+    JobFixture f({"CANNED_PUNCH=TRUE", "P[X_AXIS][Y_AXIS]", "******"});
+    PunchMachine(f);
+    const DrawRecord rectangle = LibraryRectangle(f, {Header(2), Hit(5, 0), Hit(0, 5)});
+    Write(f.Path("Progmain.drw"), {Header(2), rectangle});
+    OpenDrawing(f.State.Loop.MainDrawing, f.Path("Progmain.drw"));
+    f.State.Job.RecordTotal = 2;
+    RunGenerationLoop(f.State);
+    EXPECT_EQ(f.Program(), "PX105.000Y50.000\r\nPX0.000Y5.000\r\n");
 }
