@@ -37,7 +37,10 @@ void GridPass(RunState&, const std::string& drawing) {
     OpenDrawing(file, drawing);
     const int32_t count = ReadRecordCount(file);
     ShowProgress("Processing Grids");
-    for (int32_t n = 2; n <= count; ++n) {
+    // Records behind the end of the file read as zeros and are no grids: a damaged count does
+    // not make the walk read them.
+    const int32_t onDisk = RecordsOnDisk(file);
+    for (int32_t n = 2; n <= count && n <= onDisk; ++n) {
         DrawRecord record;
         ReadRecord(file, n, record);
         if (IsSwappedGrid(record)) {

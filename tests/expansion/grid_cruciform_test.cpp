@@ -206,3 +206,17 @@ TEST(UnswapGrid, ARecordInHandOfThePlainFormIsLeftAsItIs) {
     EXPECT_EQ(grid.Count[3], 0);
     EXPECT_EQ(grid.Value[2], -3.0f);
 }
+
+// A damaged RecordCount far beyond the file: the records behind its end are zeros and no grids,
+// so the walk ends at the last record on disk and the file stays as it was.
+TEST(GridPass, ACountBeyondTheFileEndsAtItsLastRecord) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    DrawRecord header = Header(2);
+    header.RecordCount = 2000000000;
+    WriteDrawing(drawing, {header, Grid(-1)});
+    GridPass(f.State, drawing);
+    const std::vector<DrawRecord> after = ReadDrawing(drawing);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[1].Count[3], 0);
+}
