@@ -136,6 +136,23 @@ std::string EntityNameOfCode(int16_t code) {
     }
 }
 
+namespace {
+
+void MovePoint(SinglePoint& point, double dx, double dy) {
+    point.X = ToSingle(static_cast<double>(point.X) + dx);
+    point.Y = ToSingle(static_cast<double>(point.Y) + dy);
+}
+
+}  // namespace
+
+void MoveRecord(DrawRecord& record, double dx, double dy) {
+    for (int i = 1; i <= 6; ++i) MovePoint(record.Point[i], dx, dy);
+    for (int i = 1; i <= 2; ++i) {
+        MovePoint(record.Extent[i], dx, dy);
+        MovePoint(record.Margin[i], dx, dy);
+    }
+}
+
 void MakeChildRecord(const DrawRecord& parent, int16_t code, DrawRecord& child) {
     // The parent's fields are taken first: the child may be the parent's own record.
     const int16_t carry1 = parent.CarryWord1;

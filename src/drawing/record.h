@@ -152,6 +152,10 @@ bool IsWorkedTool(const ToolSpec& tool);
 // "Linear Pattern", "Grid Pattern", "Arc Pattern"; blank for every other code.
 std::string EntityNameOfCode(int16_t code);
 
+// Moves a record by dx, dy: its six Points and both Extent and Margin boxes. Each sum is made in
+// double precision and stored as a single.
+void MoveRecord(DrawRecord& record, double dx, double dy);
+
 // Starts a child record of a parent entity: a cleared record with the code and its name, the
 // parent's CarryWord1, CarryWord2 and ToolA. Nothing else of the parent is taken, its leads
 // included. The caller then fills the defining fields, gives the last child of a split the

@@ -16,26 +16,6 @@
 namespace tvx {
 namespace {
 
-void MoveBy(SinglePoint& point, const SinglePoint& by) {
-    point.X = ToSingle(static_cast<double>(point.X) + by.X);
-    point.Y = ToSingle(static_cast<double>(point.Y) + by.Y);
-}
-
-// The turn from the angle a tooling drawing is stored at to the entity's: none for a circle, and
-// none for an entity that is not a shape.
-double ToolingTurn(const DrawRecord& entity, double stored) {
-    switch (entity.EntityCode) {
-        case 152:
-        case 153:
-        case 154:
-        case 155:
-        case 156:
-        case 171:
-        case 175: return Norm360(static_cast<double>(entity.Value[10]) - stored);
-        default: return 0;
-    }
-}
-
 // Moves every record of the placed drawing but the repositions and sheet moves (350, 355) onto
 // the entity, gives the last record the entity's action after it when it has none of its own,
 // and binds each. The walk ends at the last record the file holds.
@@ -48,11 +28,7 @@ void PlaceOnEntity(RunState& state, DrawingFile& file, const DrawRecord& entity)
     for (int32_t n = 1; n <= last; ++n) {
         ReadRecord(file, n, record);
         if (record.EntityCode == 350 || record.EntityCode == 355) continue;
-        for (int i = 1; i <= 6; ++i) MoveBy(record.Point[i], at);
-        for (int i = 1; i <= 2; ++i) {
-            MoveBy(record.Extent[i], at);
-            MoveBy(record.Margin[i], at);
-        }
+        MoveRecord(record, at.X, at.Y);
         if (n == count && record.After.ActionCode == 0) CopyAfter(entity.After, record.After);
         BindRecord(state.Machine, record);
         WriteRecord(file, n, record);
@@ -74,7 +50,7 @@ void MakeAssociatedTooling(RunState& state, DrawRecord& record) {
     if (Trim(toolDrawing).empty() || !FileExists(toolDrawing)) return;
     CopyFileTo(toolDrawing, placed);
     CruciformPass(state, placed);
-    const double turn = ToolingTurn(record, stored);
+    const double turn = LibraryTurn(record, stored);
     if (turn != 0) RotateDrawing(state, placed, turn);
     {
         DrawingFile file;

@@ -83,8 +83,6 @@ void SetCode(DrawRecord& record, int16_t code) {
 constexpr const char* LibraryWorkingName = "PITooling.drw";
 
 // The codes whose library drawing is turned to the entity's angle.
-bool TurnsLibraryDrawing(int16_t code) { return (code >= 152 && code <= 156) || code == 171 || code == 175; }
-
 // The codes that take the entity's After when their own tool is there (a 110 takes it always).
 bool TakesAfterWithTool(int16_t code) {
     switch (code) {
@@ -119,21 +117,6 @@ void MoveAfterToLastWorked(const MachineState& machine, DrawingFile& file, int32
         BindRecord(machine, record);
         WriteRecord(file, n, record);
         return;
-    }
-}
-
-SinglePoint Moved(const SinglePoint& p, const SinglePoint& by) {
-    return SinglePoint{ToSingle(static_cast<double>(p.X) + by.X), ToSingle(static_cast<double>(p.Y) + by.Y)};
-}
-
-// The library drawing's record moved onto the entity: every point and both boxes by the
-// entity's position.
-void MoveOnto(DrawRecord& record, const DrawRecord& source) {
-    const SinglePoint by = source.Point[4];
-    for (int i = 1; i <= 6; ++i) record.Point[i] = Moved(record.Point[i], by);
-    for (int i = 1; i <= 2; ++i) {
-        record.Extent[i] = Moved(record.Extent[i], by);
-        record.Margin[i] = Moved(record.Margin[i], by);
     }
 }
 
@@ -374,10 +357,8 @@ void SplitLibraryTool(SplitOutput& out, DrawRecord& source) {
         CloseDrawing(copy);
     }
     library.Cruciform(run, working);
-    if (TurnsLibraryDrawing(source.EntityCode)) {
-        const double turn = Norm360(static_cast<double>(source.Value[10]) - storedAngle);
-        if (turn != 0) library.Rotate(run, working, turn);
-    }
+    const double turn = LibraryTurn(source, storedAngle);
+    if (turn != 0) library.Rotate(run, working, turn);
 
     DrawingFile file;
     OpenDrawing(file, working);
@@ -394,7 +375,7 @@ void SplitLibraryTool(SplitOutput& out, DrawRecord& source) {
         ReadRecord(file, n, record);
         if (record.EntityCode == 350 || record.EntityCode == 355) continue;
         record.CarryWord2 = source.CarryWord2;
-        MoveOnto(record, source);
+        MoveRecord(record, source.Point[4].X, source.Point[4].Y);
         AppendBound(out, source, record);
     }
     CloseDrawing(file);

@@ -41,18 +41,7 @@ void MakeOwnDrawing(const MachineState& machine, const DrawRecord& record, const
 
     DrawRecord shape;
     CopyRecord(record, shape);
-    const double dx = record.Point[4].X;
-    const double dy = record.Point[4].Y;
-    for (int i = 1; i <= 6; ++i) {
-        shape.Point[i].X = ToSingle(shape.Point[i].X - dx);
-        shape.Point[i].Y = ToSingle(shape.Point[i].Y - dy);
-    }
-    for (int i = 1; i <= 2; ++i) {
-        shape.Extent[i].X = ToSingle(shape.Extent[i].X - dx);
-        shape.Extent[i].Y = ToSingle(shape.Extent[i].Y - dy);
-        shape.Margin[i].X = ToSingle(shape.Margin[i].X - dx);
-        shape.Margin[i].Y = ToSingle(shape.Margin[i].Y - dy);
-    }
+    MoveRecord(shape, -static_cast<double>(record.Point[4].X), -static_cast<double>(record.Point[4].Y));
     ClearTool(shape.ToolA);
     ClearTool(shape.ToolB);
     ClearLead(shape.LeadIn);
@@ -196,6 +185,13 @@ std::string ShapePath(const MachineState& machine, const DrawRecord& record, int
     if (record.EntityCode == 171) mode = record.ToolA.ToolNumber;
     else if (LetterIs(record.ToolA, 'U') && record.ToolA.ToolNumber != 0) mode = record.ToolA.ToolNumber;
     return libraryFolder + LongText(mode) + ".drw";
+}
+
+double LibraryTurn(const DrawRecord& entity, double storedAngle) {
+    const int16_t c = entity.EntityCode;
+    if ((c >= 152 && c <= 156) || c == 171 || c == 175)
+        return Norm360(static_cast<double>(entity.Value[10]) - storedAngle);
+    return 0;
 }
 
 std::string JobShapePath(const RunState& state, const DrawRecord& record, int mode) {

@@ -55,6 +55,11 @@ std::string ShapePath(const MachineState& machine, const DrawRecord& record, int
 // ShapePath under the job's material (Job.MaterialName) and the machine's tool library.
 std::string JobShapePath(const RunState& state, const DrawRecord& record, int mode);
 
+// The turn of a tooling drawing placed on an entity: Norm360 of the entity's angle (Value[10])
+// less the angle the drawing is stored at, for the shapes 152 to 156 and the custom tools 171
+// and 175; 0 for a circle, which has no angle, and for every other code.
+double LibraryTurn(const DrawRecord& entity, double storedAngle);
+
 // ---- Tooling.lkp ------------------------------------------------------------------------------
 
 // One entry of a Tooling.lkp: the tool's name, its number (the key), the angle its drawing is

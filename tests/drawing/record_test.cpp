@@ -448,3 +448,27 @@ TEST(ToolClass, AToolIsWorkedWhenPresentWithAWorkTypeOfTenOrMore) {
     tool.WorkType = 20;
     EXPECT_TRUE(IsWorkedTool(tool));
 }
+
+// Every point and both boxes move; each sum is made in double and stored as a single, so that
+// 0.1 + 0.2 is the single nearest 0.3000000119..., not a sum of two singles rounded twice.
+TEST(MoveRecord, MovesEveryPointAndBothBoxesWithSumsStoredAsSingles) {
+    DrawRecord record;
+    for (int i = 1; i <= 6; ++i) record.Point[i] = SinglePoint{static_cast<float>(i), 0.1f};
+    for (int i = 1; i <= 2; ++i) {
+        record.Extent[i] = SinglePoint{10.0f * i, 0.1f};
+        record.Margin[i] = SinglePoint{20.0f * i, 0.1f};
+    }
+    record.Value[1] = 7;
+    MoveRecord(record, 100, 0.2);
+    const float y = static_cast<float>(static_cast<double>(0.1f) + 0.2);
+    for (int i = 1; i <= 6; ++i) {
+        EXPECT_EQ(record.Point[i].X, 100.0f + i);
+        EXPECT_EQ(record.Point[i].Y, y);
+    }
+    for (int i = 1; i <= 2; ++i) {
+        EXPECT_EQ(record.Extent[i].X, 100.0f + 10.0f * i);
+        EXPECT_EQ(record.Margin[i].X, 100.0f + 20.0f * i);
+        EXPECT_EQ(record.Margin[i].Y, y);
+    }
+    EXPECT_EQ(record.Value[1], 7.0f);
+}

@@ -629,3 +629,18 @@ TEST(ToolingList, AngleJustBelowAFullTurnIsKeptAsTheSingle360) {
     ASSERT_EQ(list.Entries.size(), 1u);
     EXPECT_EQ(list.Entries[0].ToolAngle, 360.0f);
 }
+
+// A placed tooling drawing turns by the entity's angle less its stored angle, normalised, for the
+// shapes 152 to 156 and the custom tools; a circle and any other code do not turn.
+TEST(LibraryTurn, ShapesAndCustomToolsTurnByTheirAngleLessTheStoredOne) {
+    DrawRecord entity;
+    entity.Value[10] = 10;
+    for (int16_t code : {152, 153, 154, 155, 156, 171, 175}) {
+        entity.EntityCode = code;
+        EXPECT_EQ(LibraryTurn(entity, 340), 30.0) << code;
+    }
+    for (int16_t code : {151, 120, 130, 172, 210}) {
+        entity.EntityCode = code;
+        EXPECT_EQ(LibraryTurn(entity, 340), 0.0) << code;
+    }
+}
