@@ -28,8 +28,5 @@ void RotateDrawing(RunState& state, const std::string& drawing, double angle);
 void MeasurePart(RunState& state, const std::string& drawing, double& x, double& y);
 // The passes that the split of a library tool runs on its tooling drawing, for a split output.
 LibraryPasses PassesForLibrary(RunState& state);
-// The cutter path of a drawing, written to the drawing's path with the extension "krf".
-// Gives true when it failed.
-bool KerfDrawing(RunState& state, const std::string& drawing);
 
 }  // namespace tvx

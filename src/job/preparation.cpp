@@ -8,6 +8,7 @@
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
 #include "job/job_values.h"
+#include "kerf/kerf.h"
 #include "state/run_state.h"
 
 namespace tvx {
@@ -30,7 +31,7 @@ void PrepareDrawing(RunState& state) {
     if (Holds(state.Machine.MachineMaker, "Pacer")) {
         AssociativeToolingPass(state, job.DrawingFile);
         ShapePass(state, job.DrawingFile);
-        if (KerfDrawing(state, job.DrawingFile)) {
+        if (KerfDrawing(state, job.DrawingFile) != 0) {
             std::fputc('\a', stderr);
             MessageEnd("Contact Torvanex",
                        "Kerf Calculation Errors !\n\nUnable to calculate cutter path due to path errors");
