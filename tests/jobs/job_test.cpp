@@ -4,7 +4,8 @@
 // in JSON beside the place of its .drw: "NAME.drw.json" anywhere under tree/ is built into
 // "NAME.drw" in the same folder of the run's tree, and the JSON itself is not copied. What the
 // run must leave: expected/status (the exit status), optional expected/stderr, optional
-// expected/absent (paths that must not exist), and every other file under expected/,
+// expected/absent (paths that must not exist), optional expected/present (paths that must exist,
+// for files whose bytes are not compared, such as a drawing kept beside the job), and every other file under expected/,
 // compared byte for byte with the file of the same path in the run's tree. "@DIR@" in any
 // file stands for the run's directory.
 #include <gtest/gtest.h>
@@ -119,11 +120,18 @@ TEST_P(JobTest, RunsAsExpected) {
                 EXPECT_FALSE(fs::exists(root / path)) << path << " should not exist";
             }
     }
+    if (fs::exists(expected / "present")) {
+        std::istringstream present(ReadBytes(expected / "present"));
+        for (std::string path; std::getline(present, path);)
+            if (!path.empty()) {
+                EXPECT_TRUE(fs::exists(root / path)) << path << " should exist";
+            }
+    }
     for (const auto& entry : fs::recursive_directory_iterator(expected)) {
         if (!entry.is_regular_file()) continue;
         const fs::path relative = fs::relative(entry.path(), expected);
         const std::string name = relative.string();
-        if (name == "status" || name == "stderr" || name == "absent") continue;
+        if (name == "status" || name == "stderr" || name == "absent" || name == "present") continue;
         ASSERT_TRUE(fs::exists(root / relative)) << name << " was not written";
         EXPECT_EQ(ReadBytes(root / relative), Substitute(ReadBytes(entry.path()), dir)) << "in " << name;
     }
