@@ -1,5 +1,7 @@
 #include "common/fault.h"
 
+#include "common/numtext.h"
+
 namespace tvx {
 
 void RunFault(const std::string& what) { throw RunEnd{ExitFault, what}; }
@@ -9,7 +11,7 @@ void FileFault(const std::string& what, const std::string& path) {
 }
 
 void IndexFault(const std::string& table, long long index) {
-    throw RunEnd{ExitFault, "Index out of range: " + table + "(" + std::to_string(index) + ")"};
+    throw RunEnd{ExitFault, "Index out of range: " + table + "(" + WholeNumberText(index) + ")"};
 }
 
 std::string MessageBoxText(const std::string& title, const std::string& text) {

@@ -253,6 +253,7 @@ std::string NumberText(float value, int places) {
 
 std::string IntegerText(int16_t value) { return std::to_string(value); }
 std::string LongText(int32_t value) { return std::to_string(value); }
+std::string WholeNumberText(long long value) { return std::to_string(value); }
 
 std::string PadLong(int32_t value, int width) {
     const std::string text = std::to_string(value);

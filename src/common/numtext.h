@@ -29,6 +29,8 @@ std::string NumberText(float value, int places);
 
 std::string IntegerText(int16_t value);
 std::string LongText(int32_t value);
+// A whole number of any size in its plain decimal form, for the messages of faults.
+std::string WholeNumberText(long long value);
 std::string PadInteger(int16_t value, int width);
 std::string PadLong(int32_t value, int width);
 

@@ -1,6 +1,7 @@
 #include "definition/definition_files.h"
 
 #include "common/fault.h"
+#include "common/numtext.h"
 #include "common/paths.h"
 #include "state/run_state.h"
 
@@ -49,7 +50,7 @@ TextInput& InputChannel(RunState& state, int channel) {
         case ChannelSubroutines: return e.SubroutineInput;
         default: break;
     }
-    RunFault("Bad file number: " + std::to_string(channel));
+    RunFault("Bad file number: " + WholeNumberText(channel));
 }
 
 void OpenDefinitionInput(RunState& state, int channel, const std::string& path) {

@@ -65,7 +65,7 @@ void NextLayoutLine(RunState& state, int16_t& mode) {
     line = copy;
 
     static const char* const words[] = {"TURRET_LAYOUT", "TOOL_LAYOUT", "REPORT_LAYOUT", "TIME_LAYOUT"};
-    if (mode < 1 || mode > 4) RunFault("Layout mode out of range: " + std::to_string(mode));
+    if (mode < 1 || mode > 4) RunFault("Layout mode out of range: " + WholeNumberText(mode));
     const std::string word = words[mode - 1];
     if (mode == 4) {
         const int32_t row = ToInteger32(static_cast<double>(t.PostParam[69]), "ToolTimes row");
