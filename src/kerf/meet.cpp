@@ -70,10 +70,11 @@ Chord MakeChord(double x1, double y1, double x2, double y2) {
     c.Y1 = y1;
     c.X2 = x2;
     c.Y2 = y2;
-    c.BoxX1 = static_cast<float>(x1);
-    c.BoxY1 = static_cast<float>(y1);
-    c.BoxX2 = static_cast<float>(x2);
-    c.BoxY2 = static_cast<float>(y2);
+    // The box is told in singles: an end beyond their range is the run's Overflow fault.
+    c.BoxX1 = ToSingle(x1);
+    c.BoxY1 = ToSingle(y1);
+    c.BoxX2 = ToSingle(x2);
+    c.BoxY2 = ToSingle(y2);
     return c;
 }
 

@@ -287,3 +287,37 @@ TEST(PreparationOrder, AToolMachinesDrawingHasItsCruciformsPunchedAndItsShapesLe
     EXPECT_EQ(ReadRecord(file, 3).EntityCode, 151);
     EXPECT_EQ(f.State.Job.RecordTotal, 3);
 }
+
+// A failing kerf pass (an inside arc that collapses) ends the run with its message box before
+// the drawing is replaced.
+TEST(PrepareDrawing, AFailingKerfPassEndsTheRunWithTheKerfMessageBox) {
+    JobFixture f({"PROGRAM_START=TRUE", "******"});
+    Drawing(f, 0);
+    KeepBesideTheJob(f);
+    f.State.Machine.MachineKind = 1;
+    f.State.Machine.IsProfileMachine = true;
+    f.State.Machine.MachineMaker = "Pacer";
+    f.State.Machine.TurnSense = 0;
+    {
+        DrawingFile file;
+        OpenDrawing(file, f.State.Job.DrawingFile);
+        DrawRecord arc;
+        arc.EntityCode = 130;
+        arc.EntityName = "Arc Profile";
+        arc.Value[1] = 2;
+        arc.Value[11] = 90;
+        arc.Side = 1;  // towards the centre of a counter-clockwise arc in this convention
+        WriteRecord(file, 2, arc);
+    }
+    const std::string before = ReadAllBytes(f.State.Job.DrawingFile);
+    try {
+        PrepareDrawing(f.State);
+        FAIL() << "the run went on";
+    } catch (const RunEnd& e) {
+        EXPECT_EQ(e.Status, ExitAbort);
+        EXPECT_EQ(e.Text,
+                  "Contact Torvanex\nKerf Calculation Errors !\n\nUnable to calculate cutter path due to path errors");
+    }
+    EXPECT_EQ(ReadAllBytes(f.State.Job.DrawingFile), before);
+    EXPECT_FALSE(FileExists(f.Path("jobs/Auto-Kerf.drw")));
+}
