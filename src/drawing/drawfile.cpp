@@ -1,6 +1,9 @@
 #include "drawing/drawfile.h"
 
+#include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <vector>
 #include <sys/types.h>
 
 #include "common/fault.h"
@@ -302,6 +305,24 @@ void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
     const RecordBytes bytes = EncodeRecord(record);
     file.ReadPosition = -1;
     if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, RecordLength, f) != RecordLength ||
+        std::fflush(f) != 0) {
+        std::clearerr(f);
+        FileFault("Cannot write file", file.Path);
+    }
+}
+
+void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count) {
+    if (count == 0) return;
+    RequireOpen(file);
+    const off_t position = RecordPosition(file, first);
+    std::FILE* f = file.File.get();
+    std::vector<unsigned char> bytes(count * RecordLength);
+    for (size_t i = 0; i < count; ++i) {
+        const RecordBytes one = EncodeRecord(records[i]);
+        std::copy(one.begin(), one.end(), bytes.begin() + static_cast<std::ptrdiff_t>(i * RecordLength));
+    }
+    file.ReadPosition = -1;
+    if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, bytes.size(), f) != bytes.size() ||
         std::fflush(f) != 0) {
         std::clearerr(f);
         FileFault("Cannot write file", file.Path);

@@ -96,6 +96,8 @@ void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record);
 DrawRecord ReadRecord(DrawingFile& file, int32_t number);
 // Writes record n (from 1); writing past the end extends the file.
 void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record);
+// Writes count records from number first on, in one write.
+void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count);
 // The number of records the file holds, a partial last record counted.
 int32_t RecordsOnDisk(DrawingFile& file);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "common/numeric.h"
 #include "common/paths.h"
@@ -69,6 +70,36 @@ std::string WithExtension(const std::string& path, const char* ext) {
     const size_t point = path.rfind('.');
     const bool hasExtension = point != std::string::npos && (name == std::string::npos || point > name);
     return (hasExtension ? path.substr(0, point) : path) + "." + ext;
+}
+
+// The target of the pass, written in batches: the records from Base on are held until a batch
+// is full, so that the walk costs a write per batch, not per record. A record already written
+// is put back in place.
+struct KerfTarget {
+    DrawingFile File;
+    std::vector<DrawRecord> Held;
+    int32_t Base = 1;
+};
+
+constexpr size_t KerfBatch = 256;
+
+void FlushTarget(KerfTarget& target) {
+    WriteRecords(target.File, target.Base, target.Held.data(), target.Held.size());
+    target.Base += static_cast<int32_t>(target.Held.size());
+    target.Held.clear();
+}
+
+// Puts a record at number n: the next number in turn, or one already given.
+void PutRecord(KerfTarget& target, int32_t n, const DrawRecord& record) {
+    const int32_t next = target.Base + static_cast<int32_t>(target.Held.size());
+    if (n == next) {
+        target.Held.push_back(record);
+        if (target.Held.size() >= KerfBatch) FlushTarget(target);
+    } else if (n >= target.Base && n < next) {
+        target.Held[static_cast<size_t>(n - target.Base)] = record;
+    } else {
+        WriteRecord(target.File, n, record);
+    }
 }
 
 }  // namespace
@@ -196,12 +227,13 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
     OpenDrawing(source, WithExtension(path, "drw"));
     const std::string kerf = WithExtension(path, "krf");
     DeleteIfExists(kerf);
-    DrawingFile target;
-    MakeWorkingFile(target, kerf);
+    KerfTarget target;
+    MakeWorkingFile(target.File, kerf);
+    target.Held.reserve(KerfBatch);
 
     DrawRecord header;
     ReadRecord(source, 1, header);
-    WriteRecord(target, 1, header);
+    PutRecord(target, 1, header);
     int32_t outCount = 1;
     int16_t errorFlag = 0;
 
@@ -258,15 +290,15 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
             if (meeting.Class == 1 || meeting.Class == 2) {
                 Trim(machine, prev.Out, meeting, 2);
                 Trim(machine, work, meeting, 1);
-                WriteRecord(target, prev.OutNumber, prev.Out);
+                PutRecord(target, prev.OutNumber, prev.Out);
             } else {
                 DrawRecord arc;
                 CornerArc(machine, prev.Out, work, prev.CornerX, prev.CornerY, KerfRadius, arc);
-                WriteRecord(target, ++outCount, arc);
+                PutRecord(target, ++outCount, arc);
             }
         }
 
-        WriteRecord(target, ++outCount, work);
+        PutRecord(target, ++outCount, work);
         if (IsProfilePiece(work.EntityCode)) {
             prev.Out = work;
             prev.OutNumber = outCount;
@@ -279,8 +311,9 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
     }
 
     header.RecordCount = outCount;
-    WriteRecord(target, 1, header);
-    CloseDrawing(target);
+    PutRecord(target, 1, header);
+    FlushTarget(target);
+    CloseDrawing(target.File);
     CloseDrawing(source);
     return errorFlag;
 }

@@ -97,42 +97,178 @@ Box ChordBox(const Chord& c) {
     return box;
 }
 
-void Widen(Box& box, const Box& more) {
-    if (more.Empty) return;
-    if (box.Empty) {
-        box = more;
-        return;
-    }
-    box.LowX = std::min(box.LowX, more.LowX);
-    box.LowY = std::min(box.LowY, more.LowY);
-    box.HighX = std::max(box.HighX, more.HighX);
-    box.HighY = std::max(box.HighY, more.HighY);
-}
-
 bool Touch(const Box& a, const Box& b) {
     return !a.Empty && !b.Empty && a.LowX <= b.HighX && b.LowX <= a.HighX && a.LowY <= b.HighY &&
            b.LowY <= a.HighY;
 }
 
-// Runs of consecutive pieces of a walk with their common box.
-constexpr size_t RunLength = 32;
-
-struct Run {
-    size_t First = 0;
-    size_t End = 0;
-    Box Bounds;
+// The walk of one piece, its chords made on demand: a line is its one chord; an arc's chord i
+// (from 0, in the order of the walk) runs between the ends at start + k steps and start + (k + 1)
+// steps, k counted from the arc's start, or back from its end.
+struct PieceWalk {
+    bool Arc = false;
+    Chord Line;
+    double CentreX = 0, CentreY = 0, Radius = 0, Start = 0, Step = 0;
+    int32_t Count = 0;
+    bool FromEnd = false;
 };
 
-std::vector<Run> MakeRuns(const std::vector<Box>& boxes) {
+PieceWalk MakeWalk(const DrawRecord& entity, bool fromEnd) {
+    PieceWalk walk;
+    if (!IsArc(entity)) {
+        walk.Line = MakeChord(entity.Point[1].X, entity.Point[1].Y, entity.Point[3].X, entity.Point[3].Y);
+        walk.Count = 1;
+        return walk;
+    }
+    double sweep = entity.Value[11];
+    if (sweep > 360) sweep = 360;
+    if (sweep < -360) sweep = -360;
+    walk.Arc = true;
+    walk.Count = ArcChordCount(sweep);
+    walk.CentreX = entity.Point[4].X;
+    walk.CentreY = entity.Point[4].Y;
+    walk.Radius = entity.Value[1];
+    walk.Start = entity.Value[10];
+    walk.Step = walk.Count > 0 ? sweep / walk.Count : 0;
+    walk.FromEnd = fromEnd;
+    return walk;
+}
+
+// The end of an arc's walk at k steps from its start.
+void EndAt(const PieceWalk& walk, int32_t k, double& x, double& y) {
+    double dx = 0;
+    double dy = 0;
+    PolarToXY(walk.Radius, walk.Start + k * walk.Step, dx, dy);
+    x = walk.CentreX + dx;
+    y = walk.CentreY + dy;
+}
+
+// The step index at which chord i of the walk starts, in the arc's own sense.
+int32_t FirstStep(const PieceWalk& walk, int32_t i) { return walk.FromEnd ? walk.Count - 1 - i : i; }
+
+Chord ChordAt(const PieceWalk& walk, int32_t i) {
+    if (!walk.Arc) return walk.Line;
+    const int32_t k = FirstStep(walk, i);
+    double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+    EndAt(walk, k, x1, y1);
+    EndAt(walk, k + 1, x2, y2);
+    return MakeChord(x1, y1, x2, y2);
+}
+
+// Runs of consecutive chords of a walk with a box that holds the boxes of all their chords.
+constexpr int32_t RunLength = 32;
+
+struct Run {
+    int32_t First = 0;
+    int32_t End = 0;
+    Box Bounds;
+    std::vector<Chord> Chords;  // made when first needed
+    std::vector<Box> Boxes;
+};
+
+// A box that holds every end of an arc's walk from step k1 to step k2: the box of the arc
+// between those angles (its two ends and the quarter points between them), widened by far more
+// than the error of the ends' arithmetic (pi of 8 decimals, the sums and the products), and
+// told in singles by rounding, which keeps the order of the values.
+Box ArcRunBox(const PieceWalk& walk, int32_t k1, double x1, double y1, int32_t k2, double x2, double y2) {
+    double a1 = walk.Start + k1 * walk.Step;
+    double a2 = walk.Start + k2 * walk.Step;
+    if (a1 > a2) std::swap(a1, a2);
+    double lowX = std::min(x1, x2), highX = std::max(x1, x2);
+    double lowY = std::min(y1, y2), highY = std::max(y1, y2);
+    const double r = walk.Radius;
+    for (double quarter = std::ceil((a1 - 1e-6) / 90) * 90; quarter <= a2 + 1e-6; quarter += 90) {
+        const double q = Norm360(quarter);
+        const double qx = walk.CentreX + (q == 0 ? r : q == 180 ? -r : 0);
+        const double qy = walk.CentreY + (q == 90 ? r : q == 270 ? -r : 0);
+        lowX = std::min(lowX, qx);
+        highX = std::max(highX, qx);
+        lowY = std::min(lowY, qy);
+        highY = std::max(highY, qy);
+    }
+    const double pad = std::fabs(r) * 1e-7 + (std::fabs(walk.CentreX) + std::fabs(walk.CentreY) + std::fabs(r)) * 1e-14;
+    Box box;
+    box.LowX = static_cast<float>(lowX - pad);
+    box.HighX = static_cast<float>(highX + pad);
+    box.LowY = static_cast<float>(lowY - pad);
+    box.HighY = static_cast<float>(highY + pad);
+    box.Empty = false;
+    return box;
+}
+
+// True when the walk's chords can be made on demand: finite fields, and every end far inside the
+// range of a single, so that no chord made or passed over would have ended the run with the
+// Overflow fault.
+bool CanWalkOnDemand(const PieceWalk& walk) {
+    if (!walk.Arc) return true;
+    const double limit = 1e37;
+    return std::isfinite(walk.CentreX) && std::isfinite(walk.CentreY) && std::isfinite(walk.Radius) &&
+           std::isfinite(walk.Start) && std::isfinite(walk.Step) && std::fabs(walk.Start) < 1e6 &&
+           std::fabs(walk.CentreX) + std::fabs(walk.Radius) < limit &&
+           std::fabs(walk.CentreY) + std::fabs(walk.Radius) < limit;
+}
+
+std::vector<Run> MakeRuns(const PieceWalk& walk) {
     std::vector<Run> runs;
-    for (size_t first = 0; first < boxes.size(); first += RunLength) {
+    if (!walk.Arc) {
+        Run run;
+        run.First = 0;
+        run.End = 1;
+        run.Bounds = ChordBox(walk.Line);
+        run.Chords.push_back(walk.Line);
+        run.Boxes.push_back(run.Bounds);
+        runs.push_back(std::move(run));
+        return runs;
+    }
+    int32_t sharedStep = -1;
+    double sharedX = 0;
+    double sharedY = 0;
+    for (int32_t first = 0; first < walk.Count; first += RunLength) {
         Run run;
         run.First = first;
-        run.End = std::min(boxes.size(), first + RunLength);
-        for (size_t i = run.First; i < run.End; ++i) Widen(run.Bounds, boxes[i]);
-        runs.push_back(run);
+        run.End = std::min(walk.Count, first + RunLength);
+        // The steps the run's chords span, in the arc's own sense; a run shares an end with the
+        // one before it.
+        const int32_t k1 = FirstStep(walk, walk.FromEnd ? run.End - 1 : run.First);
+        const int32_t k2 = FirstStep(walk, walk.FromEnd ? run.First : run.End - 1) + 1;
+        double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+        const int32_t shared = walk.FromEnd ? k2 : k1;
+        if (!runs.empty() && shared == sharedStep) {
+            (walk.FromEnd ? x2 : x1) = sharedX;
+            (walk.FromEnd ? y2 : y1) = sharedY;
+        } else {
+            EndAt(walk, shared, walk.FromEnd ? x2 : x1, walk.FromEnd ? y2 : y1);
+        }
+        const int32_t other = walk.FromEnd ? k1 : k2;
+        EndAt(walk, other, walk.FromEnd ? x1 : x2, walk.FromEnd ? y1 : y2);
+        sharedStep = other;
+        sharedX = walk.FromEnd ? x1 : x2;
+        sharedY = walk.FromEnd ? y1 : y2;
+        run.Bounds = ArcRunBox(walk, k1, x1, y1, k2, x2, y2);
+        runs.push_back(std::move(run));
     }
     return runs;
+}
+
+void MakeRunChords(const PieceWalk& walk, Run& run) {
+    if (!run.Chords.empty()) return;
+    const size_t n = static_cast<size_t>(run.End - run.First);
+    run.Chords.reserve(n);
+    run.Boxes.reserve(n);
+    if (!walk.Arc) {
+        for (int32_t i = run.First; i < run.End; ++i) run.Chords.push_back(ChordAt(walk, i));
+    } else {
+        // The run's ends, each made once, from its lowest step up.
+        const int32_t low = FirstStep(walk, walk.FromEnd ? run.End - 1 : run.First);
+        double xs[RunLength + 1];
+        double ys[RunLength + 1];
+        for (size_t e = 0; e <= n; ++e) EndAt(walk, low + static_cast<int32_t>(e), xs[e], ys[e]);
+        for (int32_t i = run.First; i < run.End; ++i) {
+            const size_t e = static_cast<size_t>(FirstStep(walk, i) - low);
+            run.Chords.push_back(MakeChord(xs[e], ys[e], xs[e + 1], ys[e + 1]));
+        }
+    }
+    for (const Chord& c : run.Chords) run.Boxes.push_back(ChordBox(c));
 }
 
 Meeting FromOutcome(int16_t cls, const PairOutcome& outcome) {
@@ -164,16 +300,19 @@ Meeting WalkEveryPair(const std::vector<Chord>& outer, const std::vector<Chord>&
 
 // The answer of a walk that met nowhere: the last pair's point, and the class of the last pair
 // that set one, found by walking the pairs backwards from the last.
-Meeting LastOfWalk(const std::vector<Chord>& outer, const std::vector<Chord>& inner) {
+Meeting LastOfWalk(const PieceWalk& outer, const PieceWalk& inner) {
     Meeting m;
-    if (outer.empty() || inner.empty()) return m;
-    const PairOutcome last = MeetPieces(outer.back(), inner.back(), true);
-    m.X = last.X;
-    m.Y = last.Y;
-    for (size_t i = outer.size(); i-- > 0;) {
-        for (size_t j = inner.size(); j-- > 0;) {
-            const PairOutcome o =
-                (i + 1 == outer.size() && j + 1 == inner.size()) ? last : MeetPieces(outer[i], inner[j], true);
+    if (outer.Count == 0 || inner.Count == 0) return m;
+    bool last = true;
+    for (int32_t i = outer.Count; i-- > 0;) {
+        const Chord a = ChordAt(outer, i);
+        for (int32_t j = inner.Count; j-- > 0;) {
+            const PairOutcome o = MeetPieces(a, ChordAt(inner, j), true);
+            if (last) {
+                m.X = o.X;
+                m.Y = o.Y;
+                last = false;
+            }
             if (o.Kind == PairKind::Parallel) {
                 m.Class = 0;
                 return m;
@@ -188,29 +327,25 @@ Meeting LastOfWalk(const std::vector<Chord>& outer, const std::vector<Chord>& in
 }
 
 // The boxed walk: the pairs in the same order, passing over those whose boxes cannot hold a
-// point of both pieces.
-Meeting WalkBoxedRuns(const std::vector<Chord>& outer, const std::vector<Chord>& inner) {
-    std::vector<Box> outerBoxes;
-    outerBoxes.reserve(outer.size());
-    for (const Chord& c : outer) outerBoxes.push_back(ChordBox(c));
-    std::vector<Box> innerBoxes;
-    innerBoxes.reserve(inner.size());
-    for (const Chord& c : inner) innerBoxes.push_back(ChordBox(c));
-    const std::vector<Run> outerRuns = MakeRuns(outerBoxes);
-    const std::vector<Run> innerRuns = MakeRuns(innerBoxes);
-    std::vector<const Run*> near;
-    for (const Run& outerRun : outerRuns) {
+// point of both pieces. A run of chords is made only when its box touches a run of the other.
+Meeting WalkBoxedRuns(const PieceWalk& outer, const PieceWalk& inner) {
+    std::vector<Run> outerRuns = MakeRuns(outer);
+    std::vector<Run> innerRuns = MakeRuns(inner);
+    std::vector<Run*> near;
+    for (Run& outerRun : outerRuns) {
         near.clear();
-        for (const Run& innerRun : innerRuns)
+        for (Run& innerRun : innerRuns)
             if (Touch(outerRun.Bounds, innerRun.Bounds)) near.push_back(&innerRun);
         if (near.empty()) continue;
-        for (size_t i = outerRun.First; i < outerRun.End; ++i) {
-            const Box& box = outerBoxes[i];
-            for (const Run* innerRun : near) {
+        MakeRunChords(outer, outerRun);
+        for (size_t i = 0; i < outerRun.Chords.size(); ++i) {
+            const Box& box = outerRun.Boxes[i];
+            for (Run* innerRun : near) {
                 if (!Touch(box, innerRun->Bounds)) continue;
-                for (size_t j = innerRun->First; j < innerRun->End; ++j) {
-                    if (!Touch(box, innerBoxes[j])) continue;
-                    const PairOutcome o = MeetPieces(outer[i], inner[j], true);
+                MakeRunChords(inner, *innerRun);
+                for (size_t j = 0; j < innerRun->Chords.size(); ++j) {
+                    if (!Touch(box, innerRun->Boxes[j])) continue;
+                    const PairOutcome o = MeetPieces(outerRun.Chords[i], innerRun->Chords[j], true);
                     if (o.Kind == PairKind::Met) return FromOutcome(2, o);
                 }
             }
@@ -229,36 +364,10 @@ int32_t ArcChordCount(double sweep) {
 }
 
 std::vector<Chord> WalkChords(const DrawRecord& entity, bool fromEnd) {
+    const PieceWalk walk = MakeWalk(entity, fromEnd);
     std::vector<Chord> chords;
-    if (!IsArc(entity)) {
-        chords.push_back(MakeChord(entity.Point[1].X, entity.Point[1].Y, entity.Point[3].X, entity.Point[3].Y));
-        return chords;
-    }
-    double sweep = entity.Value[11];
-    if (sweep > 360) sweep = 360;
-    if (sweep < -360) sweep = -360;
-    const int32_t count = ArcChordCount(sweep);
-    if (count == 0) return chords;
-    const double cx = entity.Point[4].X;
-    const double cy = entity.Point[4].Y;
-    const double radius = entity.Value[1];
-    const double start = entity.Value[10];
-    const double step = sweep / count;
-    // The ends of the chords, at start + k steps for k from 0 to count.
-    std::vector<double> xs(static_cast<size_t>(count) + 1);
-    std::vector<double> ys(static_cast<size_t>(count) + 1);
-    for (int32_t k = 0; k <= count; ++k) {
-        double dx = 0;
-        double dy = 0;
-        PolarToXY(radius, start + k * step, dx, dy);
-        xs[static_cast<size_t>(k)] = cx + dx;
-        ys[static_cast<size_t>(k)] = cy + dy;
-    }
-    chords.reserve(static_cast<size_t>(count));
-    for (int32_t i = 1; i <= count; ++i) {
-        const size_t k = static_cast<size_t>(fromEnd ? count - i + 1 : i);
-        chords.push_back(MakeChord(xs[k - 1], ys[k - 1], xs[k], ys[k]));
-    }
+    chords.reserve(static_cast<size_t>(walk.Count));
+    for (int32_t i = 0; i < walk.Count; ++i) chords.push_back(ChordAt(walk, i));
     return chords;
 }
 
@@ -269,9 +378,11 @@ Meeting MeetEntities(const DrawRecord& first, const DrawRecord& second, MeetingS
         if (o.Kind == PairKind::Parallel) return Meeting{};
         return FromOutcome(o.Kind == PairKind::Met ? 2 : 1, o);
     }
-    const std::vector<Chord> outer = WalkChords(first, true);
-    const std::vector<Chord> inner = WalkChords(second, false);
-    return search == MeetingSearch::EveryPair ? WalkEveryPair(outer, inner) : WalkBoxedRuns(outer, inner);
+    const PieceWalk outer = MakeWalk(first, true);
+    const PieceWalk inner = MakeWalk(second, false);
+    if (search == MeetingSearch::BoxedRuns && CanWalkOnDemand(outer) && CanWalkOnDemand(inner))
+        return WalkBoxedRuns(outer, inner);
+    return WalkEveryPair(WalkChords(first, true), WalkChords(second, false));
 }
 
 Meeting MeetEntitiesReference(const DrawRecord& first, const DrawRecord& second) {

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "common/numeric.h"
+#include "drawing/record.h"
 #include "kerf/kerf.h"
 
 using namespace tvx;
@@ -170,6 +171,35 @@ RC_GTEST_PROP(MeetEntitiesProperty, PiecesThatAreNotNumbersGiveTheSameAnswer, ()
     }
     const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
     const Meeting every = MeetEntitiesReference(first, second);
+    RC_ASSERT(boxed.Class == every.Class);
+    RC_ASSERT(Bits(boxed.X) == Bits(every.X));
+    RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
+}
+
+// The same corners placed anywhere on a large sheet, and arcs of up to 90 degrees on both sides:
+// the boxes of the runs must hold their chords far from the origin too.
+RC_GTEST_PROP(MeetEntitiesProperty, CornersFarOnTheSheetGiveTheEveryPairAnswer, ()) {
+    const int kinds = 1 + Pick(3);
+    const bool firstArc = (kinds & 1) != 0;
+    const bool secondArc = (kinds & 2) != 0;
+    double direction = 0;
+    DrawRecord first = FirstPiece(firstArc, direction);
+    DrawRecord second = SecondPiece(secondArc, first, direction);
+    if (Pick(2) == 0) {
+        // Long arcs, as the corners of rounded outlines are.
+        if (firstArc) first.Value[11] = ToSingle(first.Value[11] < 0 ? -Scaled(45, 90, 1.0) : Scaled(45, 90, 1.0));
+        if (secondArc) second.Value[11] = ToSingle(second.Value[11] < 0 ? -Scaled(45, 90, 1.0) : Scaled(45, 90, 1.0));
+    }
+    const double x0 = Scaled(-30000, 30000, 0.1);
+    const double y0 = Scaled(-30000, 30000, 0.1);
+    MoveRecord(first, x0, y0);
+    MoveRecord(second, x0, y0);
+    const int64_t pairs = static_cast<int64_t>(firstArc ? std::max(ArcChordCount(first.Value[11]), 1) : 1) *
+                          (secondArc ? std::max(ArcChordCount(second.Value[11]), 1) : 1);
+    RC_PRE(pairs <= 1000000);
+    const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
+    const Meeting every = MeetEntitiesReference(first, second);
+    RC_TAG(kinds, every.Class);
     RC_ASSERT(boxed.Class == every.Class);
     RC_ASSERT(Bits(boxed.X) == Bits(every.X));
     RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
