@@ -30,6 +30,14 @@ void SetPoint(SinglePoint& point, double x, double y) {
     point.Y = ToSingle(y);
 }
 
+// The start and the end of a line or an arc, with the derived start and end that follow them.
+void SetEnds(DrawRecord& record, double startX, double startY, double endX, double endY) {
+    SetPoint(record.Point[1], startX, startY);
+    SetPoint(record.Point[5], startX, startY);
+    SetPoint(record.Point[3], endX, endY);
+    SetPoint(record.Point[6], endX, endY);
+}
+
 // The direction in which the first piece leaves the corner: a line's own direction, an arc's
 // tangent at its end.
 double TangentAtEnd(const DrawRecord& piece) {
@@ -117,10 +125,7 @@ void OffsetLine(const MachineState& machine, DrawRecord& record, double radius) 
     const double y3 = record.Point[3].Y + dy;
     record.EntityCode = 120;
     record.EntityName = "Line Profile";
-    SetPoint(record.Point[1], x1, y1);
-    SetPoint(record.Point[5], x1, y1);
-    SetPoint(record.Point[3], x3, y3);
-    SetPoint(record.Point[6], x3, y3);
+    SetEnds(record, x1, y1, x3, y3);
     record.Side = 0;
     record.FollowFlag = 0;
     BindRecord(machine, record);
@@ -173,10 +178,7 @@ void CornerArc(const MachineState& machine, const DrawRecord& first, const DrawR
     ClearAfter(out.After);
     out.EntityCode = 130;
     out.EntityName = "Arc Profile";
-    SetPoint(out.Point[1], startX, startY);
-    SetPoint(out.Point[5], startX, startY);
-    SetPoint(out.Point[3], endX, endY);
-    SetPoint(out.Point[6], endX, endY);
+    SetEnds(out, startX, startY, endX, endY);
     SetPoint(out.Point[4], cornerX, cornerY);
     out.Value[1] = ToSingle(radius);
     out.Value[10] = ToSingle(startAngle);

@@ -4,6 +4,7 @@
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -134,6 +135,21 @@ DrawRecord SecondPiece(bool arc, const DrawRecord& first, double direction) {
     return ArcAbout(-dx + Jitter(), -dy + Jitter(), radius, startAngle, sweep);
 }
 
+// The boxed search and the every-pair walk agree: the class, and the point bit for bit.
+void ExpectSameMeeting(const DrawRecord& first, const DrawRecord& second) {
+    const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
+    const Meeting every = MeetEntitiesReference(first, second);
+    RC_ASSERT(boxed.Class == every.Class);
+    RC_ASSERT(Bits(boxed.X) == Bits(every.X));
+    RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
+}
+
+// The number of chord pairs of the every-pair walk.
+int64_t PairCount(bool firstArc, const DrawRecord& first, bool secondArc, const DrawRecord& second) {
+    return static_cast<int64_t>(firstArc ? std::max(ArcChordCount(first.Value[11]), 1) : 1) *
+           (secondArc ? std::max(ArcChordCount(second.Value[11]), 1) : 1);
+}
+
 }  // namespace
 
 RC_GTEST_PROP(MeetEntitiesProperty, TheBoxedSearchGivesTheEveryPairAnswerBitForBit, ()) {
@@ -144,15 +160,10 @@ RC_GTEST_PROP(MeetEntitiesProperty, TheBoxedSearchGivesTheEveryPairAnswerBitForB
     const DrawRecord first = FirstPiece(firstArc, direction);
     const DrawRecord second = SecondPiece(secondArc, first, direction);
     // Keep the every-pair walk short enough for every run of the tests.
-    const int64_t pairs = static_cast<int64_t>(firstArc ? std::max(ArcChordCount(first.Value[11]), 1) : 1) *
-                          (secondArc ? std::max(ArcChordCount(second.Value[11]), 1) : 1);
+    const int64_t pairs = PairCount(firstArc, first, secondArc, second);
     RC_PRE(pairs <= 2000000);
-    const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
-    const Meeting every = MeetEntitiesReference(first, second);
-    RC_TAG(kinds, every.Class);
-    RC_ASSERT(boxed.Class == every.Class);
-    RC_ASSERT(Bits(boxed.X) == Bits(every.X));
-    RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
+    RC_TAG(kinds, MeetEntitiesReference(first, second).Class);
+    ExpectSameMeeting(first, second);
 }
 
 // Not a number in the fields of a piece: the same answer from both, NaN bits included.
@@ -169,11 +180,7 @@ RC_GTEST_PROP(MeetEntitiesProperty, PiecesThatAreNotNumbersGiveTheSameAnswer, ()
         case 2: first.Point[3].Y = nan; first.Point[4].Y = nan; break;
         default: second.Value[10] = nan; break;
     }
-    const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
-    const Meeting every = MeetEntitiesReference(first, second);
-    RC_ASSERT(boxed.Class == every.Class);
-    RC_ASSERT(Bits(boxed.X) == Bits(every.X));
-    RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
+    ExpectSameMeeting(first, second);
 }
 
 // The same corners placed anywhere on a large sheet, and arcs of up to 90 degrees on both sides:
@@ -194,13 +201,8 @@ RC_GTEST_PROP(MeetEntitiesProperty, CornersFarOnTheSheetGiveTheEveryPairAnswer, 
     const double y0 = Scaled(-30000, 30000, 0.1);
     MoveRecord(first, x0, y0);
     MoveRecord(second, x0, y0);
-    const int64_t pairs = static_cast<int64_t>(firstArc ? std::max(ArcChordCount(first.Value[11]), 1) : 1) *
-                          (secondArc ? std::max(ArcChordCount(second.Value[11]), 1) : 1);
+    const int64_t pairs = PairCount(firstArc, first, secondArc, second);
     RC_PRE(pairs <= 1000000);
-    const Meeting boxed = MeetEntities(first, second, MeetingSearch::BoxedRuns);
-    const Meeting every = MeetEntitiesReference(first, second);
-    RC_TAG(kinds, every.Class);
-    RC_ASSERT(boxed.Class == every.Class);
-    RC_ASSERT(Bits(boxed.X) == Bits(every.X));
-    RC_ASSERT(Bits(boxed.Y) == Bits(every.Y));
+    RC_TAG(kinds, MeetEntitiesReference(first, second).Class);
+    ExpectSameMeeting(first, second);
 }
