@@ -272,3 +272,33 @@ TEST(KerfDrawing, BothSearchesWriteTheSameFile) {
     KerfDrawing(f.State, f.Drawing, MeetingSearch::BoxedRuns);
     EXPECT_EQ(ReadAllBytes(f.Kerf), every);
 }
+
+// A staircase of 700 steps cut on its left: every inside corner is trimmed where the offsets
+// cross and every outside one where they meet extended, so each piece is its drawn line moved by
+// (-3.175, 3.175), the first start and the last end aside. The target is written in batches, and
+// pieces trimmed after their batch went out are put back in place all the same.
+TEST(KerfDrawing, ALongPathIsTrimmedAtEveryCornerAcrossTheBatchesOfTheTarget) {
+    KerfFixture f;
+    std::vector<DrawRecord> entities;
+    double x = 0;
+    double y = 0;
+    for (int i = 0; i < 700; ++i) {
+        const double nx = i % 2 == 0 ? x + 10 : x;
+        const double ny = i % 2 == 0 ? y : y + 10;
+        entities.push_back(Line(x, y, nx, ny, -1));
+        x = nx;
+        y = ny;
+    }
+    const std::vector<DrawRecord> out = f.Run(entities);
+    ASSERT_EQ(out.size(), 701u);
+    EXPECT_EQ(out[0].RecordCount, 701);
+    for (size_t i = 0; i < entities.size(); ++i) {
+        const DrawRecord& drawn = entities[i];
+        const double x1 = i == 0 ? drawn.Point[1].X : drawn.Point[1].X - 3.175;
+        const double y1 = i == 0 ? drawn.Point[1].Y + 3.175 : drawn.Point[1].Y + 3.175;
+        const double x2 = i + 1 == entities.size() ? drawn.Point[3].X - 3.175 : drawn.Point[3].X - 3.175;
+        const double y2 = i + 1 == entities.size() ? drawn.Point[3].Y : drawn.Point[3].Y + 3.175;
+        SCOPED_TRACE(i);
+        ExpectEnds(out[i + 1], x1, y1, x2, y2, 1e-3);
+    }
+}
