@@ -298,35 +298,36 @@ DrawRecord ReadRecord(DrawingFile& file, int32_t number) {
     return record;
 }
 
-void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
+namespace {
+
+// Writes the bytes of whole records from record number on, and flushes them so that every other
+// handle of the file reads them at once.
+void WriteBytesAt(DrawingFile& file, int32_t number, const unsigned char* bytes, size_t size) {
     RequireOpen(file);
     const off_t position = RecordPosition(file, number);
     std::FILE* f = file.File.get();
-    const RecordBytes bytes = EncodeRecord(record);
     file.ReadPosition = -1;
-    if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, RecordLength, f) != RecordLength ||
-        std::fflush(f) != 0) {
+    if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes, 1, size, f) != size || std::fflush(f) != 0) {
         std::clearerr(f);
         FileFault("Cannot write file", file.Path);
     }
 }
 
+}  // namespace
+
+void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
+    const RecordBytes bytes = EncodeRecord(record);
+    WriteBytesAt(file, number, bytes.data(), RecordLength);
+}
+
 void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count) {
     if (count == 0) return;
-    RequireOpen(file);
-    const off_t position = RecordPosition(file, first);
-    std::FILE* f = file.File.get();
     std::vector<unsigned char> bytes(count * RecordLength);
     for (size_t i = 0; i < count; ++i) {
         const RecordBytes one = EncodeRecord(records[i]);
         std::copy(one.begin(), one.end(), bytes.begin() + static_cast<std::ptrdiff_t>(i * RecordLength));
     }
-    file.ReadPosition = -1;
-    if (::fseeko(f, position, SEEK_SET) != 0 || std::fwrite(bytes.data(), 1, bytes.size(), f) != bytes.size() ||
-        std::fflush(f) != 0) {
-        std::clearerr(f);
-        FileFault("Cannot write file", file.Path);
-    }
+    WriteBytesAt(file, first, bytes.data(), bytes.size());
 }
 
 int32_t RecordsOnDisk(DrawingFile& file) {

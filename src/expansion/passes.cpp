@@ -1,6 +1,5 @@
 #include "expansion/passes.h"
 
-#include "common/paths.h"
 #include "state/run_state.h"
 
 namespace tvx {

@@ -46,7 +46,7 @@ double TangentAtEnd(const DrawRecord& piece) {
     return piece.Value[11] < 0 ? Norm360(endAngle - 90) : Norm360(endAngle + 90);
 }
 
-void Trim(const MachineState& machine, DrawRecord& record, const Meeting& meeting, int end) {
+void TrimToMeeting(const MachineState& machine, DrawRecord& record, const Meeting& meeting, int end) {
     if (record.EntityCode == 130) {
         TrimArc(machine, record, meeting.X, meeting.Y, end);
     } else {
@@ -290,8 +290,8 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
                 if (distance > 50 * KerfRadius) meeting.Class = 0;
             }
             if (meeting.Class == 1 || meeting.Class == 2) {
-                Trim(machine, prev.Out, meeting, 2);
-                Trim(machine, work, meeting, 1);
+                TrimToMeeting(machine, prev.Out, meeting, 2);
+                TrimToMeeting(machine, work, meeting, 1);
                 PutRecord(target, prev.OutNumber, prev.Out);
             } else {
                 DrawRecord arc;

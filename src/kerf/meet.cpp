@@ -374,7 +374,7 @@ std::vector<Chord> WalkChords(const DrawRecord& entity, bool fromEnd) {
 Meeting MeetEntities(const DrawRecord& first, const DrawRecord& second, MeetingSearch search) {
     if (!IsArc(first) && !IsArc(second)) {
         // Two lines: their parameters alone decide, a parameter of -0.5 counting as inside.
-        const PairOutcome o = MeetPieces(WalkChords(first, false).front(), WalkChords(second, false).front(), false);
+        const PairOutcome o = MeetPieces(MakeWalk(first, false).Line, MakeWalk(second, false).Line, false);
         if (o.Kind == PairKind::Parallel) return Meeting{};
         return FromOutcome(o.Kind == PairKind::Met ? 2 : 1, o);
     }
