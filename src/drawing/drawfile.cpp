@@ -366,10 +366,17 @@ int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRec
 }
 
 void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
+    // Read in turn through the working file's buffer and written back in batches: one write of
+    // many records rather than one flushed write each.
+    constexpr int32_t Batch = 256;
+    std::vector<DrawRecord> records;
     DrawRecord record;
-    for (int64_t n = 2; n <= newCount; ++n) {
-        ReadRecord(temp, static_cast<int32_t>(n), record);
-        WriteRecord(source, static_cast<int32_t>(n), record);
+    for (int32_t first = 2; first <= newCount && first > 0; first += Batch) {
+        const int32_t last = newCount - first < Batch ? newCount : first + Batch - 1;
+        records.resize(static_cast<size_t>(last - first + 1));
+        for (int32_t n = first; n <= last; ++n) ReadRecord(temp, n, records[static_cast<size_t>(n - first)]);
+        WriteRecords(source, first, records.data(), records.size());
+        if (last == INT32_MAX) break;
     }
     ReadRecord(source, 1, record);
     record.RecordCount = newCount;

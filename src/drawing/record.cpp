@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "common/numeric.h"
 #include "common/numtext.h"
 
 namespace tvx {
@@ -138,18 +139,24 @@ std::string EntityNameOfCode(int16_t code) {
 
 namespace {
 
-void MovePoint(SinglePoint& point, double dx, double dy) {
-    point.X = ToSingle(static_cast<double>(point.X) + dx);
-    point.Y = ToSingle(static_cast<double>(point.Y) + dy);
+// A coordinate plus its offset, rounded to the places asked for (none below 0), as a single.
+float Moved(float coordinate, double offset, int places) {
+    const double sum = static_cast<double>(coordinate) + offset;
+    return ToSingle(places < 0 ? sum : RoundTo(sum, places));
+}
+
+void MovePoint(SinglePoint& point, double dx, double dy, int places) {
+    point.X = Moved(point.X, dx, places);
+    point.Y = Moved(point.Y, dy, places);
 }
 
 }  // namespace
 
-void MoveRecord(DrawRecord& record, double dx, double dy) {
-    for (int i = 1; i <= 6; ++i) MovePoint(record.Point[i], dx, dy);
+void MoveRecord(DrawRecord& record, double dx, double dy, int places) {
+    for (int i = 1; i <= 6; ++i) MovePoint(record.Point[i], dx, dy, places);
     for (int i = 1; i <= 2; ++i) {
-        MovePoint(record.Extent[i], dx, dy);
-        MovePoint(record.Margin[i], dx, dy);
+        MovePoint(record.Extent[i], dx, dy, places);
+        MovePoint(record.Margin[i], dx, dy, places);
     }
 }
 

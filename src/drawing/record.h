@@ -153,8 +153,9 @@ bool IsWorkedTool(const ToolSpec& tool);
 std::string EntityNameOfCode(int16_t code);
 
 // Moves a record by dx, dy: its six Points and both Extent and Margin boxes. Each sum is made in
-// double precision and stored as a single.
-void MoveRecord(DrawRecord& record, double dx, double dy);
+// double precision and stored as a single; with `places` of 0 or more it is first rounded to
+// that many decimals (the copies of a multipart are placed to 4), with the default -1 it is not.
+void MoveRecord(DrawRecord& record, double dx, double dy, int places = -1);
 
 // Starts a child record of a parent entity: a cleared record with the code and its name, the
 // parent's CarryWord1, CarryWord2 and ToolA. Nothing else of the parent is taken, its leads

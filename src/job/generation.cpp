@@ -72,18 +72,6 @@ void EndOfPart(RunState& state) {
     }
 }
 
-// The layout cells of a multipart record (codes 500 and 510, and the part drawing's opening).
-void SetLayoutCells(ValueTables& t, const DrawRecord& record) {
-    t.PostMachine[89] = record.Point[1].X;
-    t.PostMachine[90] = record.Point[1].Y;
-    t.PostMachine[85] = record.Value[1];
-    t.PostMachine[86] = record.Value[2];
-    t.PostMachine[87] = record.Count[1];
-    t.PostMachine[88] = record.Count[2];
-    if (t.PostMachine[87] == 1) t.PostMachine[85] = 0;
-    if (t.PostMachine[88] == 1) t.PostMachine[86] = 0;
-}
-
 // The cells of a part record (code 510).
 void SetPartCells(ValueTables& t, const DrawRecord& record) {
     t.PostMachine[96] = record.Point[1].X;
@@ -100,7 +88,7 @@ void AddOneToCell(float& cell) { cell = ToSingle(static_cast<double>(cell) + 1);
 void MultipartLayout(RunState& state, DrawRecord& record) {
     LoopState& loop = state.Loop;
     ValueTables& t = state.Tables;
-    SetLayoutCells(t, record);
+    SetMultipartLayoutCells(t, record);
     // One level of the part's path goes: everything up to and including the first backslash.
     const std::string text = record.EntityText.Text();
     const auto slash = text.find('\\');
@@ -450,32 +438,8 @@ void DispatchRecord(RunState& state) {
 }
 
 std::string OpenPartDrawing(RunState& state, DrawRecord& record) {
-    ValueTables& t = state.Tables;
-    for (int i = 80; i <= 90; ++i) t.PostMemo[i] = -9999;
-    SetLayoutCells(t, record);
-    t.PostMachine[93] = record.Count[5];
-    const std::string name = record.EntityText.Trimmed();
-    const std::string path = state.Job.WorkDir + "progpart.drw";
-    CopyFileTo(state.Config.ProjectDir + state.Machine.MachineDirName + "\\" + name + ".drw", path);
-    const bool rotates = FindReservedWord(state, "MULTIPART_ANGLE_SUPPORT");
-    if (!rotates && record.Value[10] != 0) RotateDrawing(state, path, record.Value[10]);
-    CloseInputChannel(state, ChannelDefinition);
-    if (state.Machine.IsToolMachine) {
-        AssociativeToolingPass(state, path);
-        ShapePass(state, path);
-        GridPass(state, path);
-    }
-    double x = 0, y = 0;
-    MeasurePart(state, path, x, y);
-    t.PostParam[89] = ToSingle(x);
-    t.PostParam[90] = ToSingle(y);
-    double distance = 0, angle = 0;
-    XYToPolar(t.PostParam[89], t.PostParam[90], distance, angle);
-    double px = 0, py = 0;
-    PolarToXY(distance, angle + record.Value[10], px, py);
-    t.PostParam[87] = ToSingle(px);
-    t.PostParam[88] = ToSingle(py);
-    t.PostMemo[91] = -1;
+    std::string path;
+    MultipartSubprogram(state, record, path);
     return path;
 }
 

@@ -153,6 +153,7 @@ const std::string Tooling = "Processing Associative Tooling";
 const std::string Shapes = "Processing Shapes";
 const std::string Grids = "Processing Grids";
 const std::string Cruciforms = "Processing Cruciforms";
+const std::string Multiparts = "Processing Multipart(s)";
 
 void ToolMachine(JobFixture& f) {
     f.State.Machine.MachineKind = 10;
@@ -226,7 +227,7 @@ TEST(PreparationOrder, AFlattenedMultipartOnAToolMachineRunsToolingShapesGridsAn
         PrepareDrawing(f.State);
         OpenJobDrawing(f.State);
     }));
-    EXPECT_EQ(captions, (std::vector<std::string>{Tooling, Cruciforms, Tooling, Shapes, Grids, Cruciforms}));
+    EXPECT_EQ(captions, (std::vector<std::string>{Tooling, Cruciforms, Multiparts, Tooling, Shapes, Grids, Cruciforms}));
 }
 
 TEST(PreparationOrder, AFlattenedMultipartOnAnotherMachineRunsGridsAndCruciforms) {
@@ -236,7 +237,7 @@ TEST(PreparationOrder, AFlattenedMultipartOnAnotherMachineRunsGridsAndCruciforms
         PrepareDrawing(f.State);
         OpenJobDrawing(f.State);
     }));
-    EXPECT_EQ(captions, (std::vector<std::string>{Grids, Cruciforms}));
+    EXPECT_EQ(captions, (std::vector<std::string>{Multiparts, Grids, Cruciforms}));
 }
 
 TEST(PreparationOrder, AMultipartThatTheDefinitionPlacesIsNotFlattened) {
