@@ -1,6 +1,8 @@
 // Multipart sheets: the flattening of a multipart drawing into moved copies of its parts, the
 // preparation of a part drawing, the orders of the copies, and the part drawing of a subprogram.
 #include <gtest/gtest.h>
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
 
 #include <cmath>
 #include <string>
@@ -650,4 +652,60 @@ TEST(MultipartSubprogram, ThePartIsTurnedForAControlThatCannotTurnParts) {
     EXPECT_NEAR(f.State.Tables.PostParam[90], 10.0, 1e-5);
     EXPECT_NEAR(f.State.Tables.PostParam[87], -10.0, 1e-4);
     EXPECT_NEAR(f.State.Tables.PostParam[88], 0.0, 1e-4);
+}
+
+// ---- Property: n x m copies ---------------------------------------------------------------------
+
+namespace {
+
+// A coordinate of five decimals within the sheet.
+float SheetCoordinate() { return ToSingle(*rc::gen::inRange(-2000000, 2000000) / 1000.0); }
+
+}  // namespace
+
+// Flattening n x m copies of a part of k records gives n x m x k records besides the rest of the
+// drawing, and every copied point is the part's point plus the copy's offset, rounded to 4
+// decimals.
+RC_GTEST_PROP(MultipartExplodeProperty, CopiesAreThePartMovedByTheirOffsetsRoundedToFourDecimals, ()) {
+    MultipartFixture f(true);  // the control turns the parts: the part is copied as drawn
+    const int columns = *rc::gen::inRange(1, 5);
+    const int rows = *rc::gen::inRange(1, 5);
+    const int k = *rc::gen::inRange(1, 5);
+    const int rest = *rc::gen::inRange(0, 4);
+    const float angle = *rc::gen::element(0.0f, 30.0f, 90.0f, 180.0f, -45.0f, 12.5f);
+    const float ox = SheetCoordinate(), oy = SheetCoordinate();
+    const float px = ToSingle(*rc::gen::inRange(0, 500000) / 1000.0);
+    const float py = ToSingle(*rc::gen::inRange(0, 500000) / 1000.0);
+    std::vector<DrawRecord> part;
+    for (int i = 0; i < k; ++i) {
+        const float x1 = SheetCoordinate(), y1 = SheetCoordinate(), x2 = SheetCoordinate(), y2 = SheetCoordinate();
+        double length = 0, direction = 0;
+        XYToPolar(static_cast<double>(x2) - x1, static_cast<double>(y2) - y1, length, direction);
+        part.push_back(Line(x1, y1, x2, y2, ToSingle(direction)));
+    }
+    f.Part("PART", part);
+    std::vector<DrawRecord> sheet;
+    for (int i = 0; i < rest; ++i) sheet.push_back(Entity(311));
+    sheet.push_back(Layout("PART", false, angle));
+    sheet.push_back(Copies(ox, oy, px, py, static_cast<int16_t>(columns), static_cast<int16_t>(rows), angle));
+    const auto result = f.Explode(sheet);
+    RC_ASSERT(result.size() == static_cast<size_t>(1 + rest + columns * rows * k));
+    size_t at = 1 + static_cast<size_t>(rest);
+    for (int c = 1; c <= columns; ++c) {
+        for (int r = 1; r <= rows; ++r) {
+            double cx = 0, cy = 0, rx = 0, ry = 0;
+            PolarToXY((c - 1) * static_cast<double>(columns == 1 ? 0.0f : px), angle, cx, cy);
+            PolarToXY((r - 1) * static_cast<double>(rows == 1 ? 0.0f : py), static_cast<double>(angle) + 90, rx, ry);
+            const double dx = static_cast<double>(ox) + cx + rx;
+            const double dy = static_cast<double>(oy) + cy + ry;
+            for (const DrawRecord& from : part) {
+                const DrawRecord& copy = result[at++];
+                RC_ASSERT(copy.EntityCode == from.EntityCode);
+                RC_ASSERT(copy.Point[1].X == ToSingle(RoundTo(from.Point[1].X + dx, 4)));
+                RC_ASSERT(copy.Point[1].Y == ToSingle(RoundTo(from.Point[1].Y + dy, 4)));
+                RC_ASSERT(copy.Point[3].X == ToSingle(RoundTo(from.Point[3].X + dx, 4)));
+                RC_ASSERT(copy.Point[3].Y == ToSingle(RoundTo(from.Point[3].Y + dy, 4)));
+            }
+        }
+    }
 }
