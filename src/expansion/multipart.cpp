@@ -170,6 +170,7 @@ PartCopies CopiesOfPart(const DrawRecord& part) {
 // Any other value is the plain order.
 CopyPlace MultipartCopyPlace(int16_t order, int32_t columns, int32_t rows, int64_t k) {
     if (order < 0 || order > 5) order = 0;
+    if (columns < 1 || rows < 1) return CopyPlace{};  // a layout without copies has no places
     const int64_t total = static_cast<int64_t>(columns) * rows;
     if (order == 1 || order == 4) k = total + 1 - k;
     CopyPlace place;

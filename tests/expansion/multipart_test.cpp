@@ -596,6 +596,13 @@ TEST(MultipartCopyPlace, AnyOtherOrderIsThePlainOrder) {
     EXPECT_EQ(Walk(-1, 2, 2), Walk(0, 2, 2));
 }
 
+TEST(MultipartCopyPlace, ALayoutWithoutColumnsOrRowsGivesTheFirstPlace) {
+    const CopyPlace p = MultipartCopyPlace(2, 0, 5, 1);
+    EXPECT_EQ(p.Column, 1);
+    EXPECT_EQ(p.Row, 1);
+    EXPECT_EQ(MultipartCopyPlace(5, 4, -1, 3).Row, 1);
+}
+
 TEST(MultipartExplode, TheOrderOfThePartRecordPlacesTheCopies) {
     MultipartFixture f;
     f.Part("PART", {HitAt(0, 0)});
