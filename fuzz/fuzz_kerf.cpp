@@ -5,8 +5,6 @@
 // Input: byte 0 the machine's TurnSense (bit 0); the rest the drawing, cut to 8 records. The
 // search is the boxed one, as the job runs it (the every-pair walk of two full circles is some
 // 13 million pairs a corner, too slow for a fuzzer's turn).
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -14,22 +12,18 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fault.h"
-#include "common/numtext.h"
 #include "drawing/drawfile.h"
+#include "fuzz_support.h"
 #include "kerf/kerf.h"
 #include "state/run_state.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 
 constexpr size_t MostRecords = 8;
 
 std::string Root() {
-    static const std::string root =
-        (fs::temp_directory_path() / ("torvanex-fuzz-kerf-" + tvx::Trim(tvx::LongText(static_cast<int32_t>(::getpid())))))
-            .string();
+    static const std::string root = tvx::fuzz::FuzzRoot("kerf");
     return root;
 }
 
@@ -46,11 +40,7 @@ void Run(std::string_view input) {
     state.Machine.MachineKind = 1;
     state.Machine.IsProfileMachine = true;
     const std::string path = Root() + "/Progmain.drw";
-    {
-        tvx::DrawingFile file;
-        tvx::MakeWorkingFile(file, path);
-        for (size_t i = 0; i < records.size(); ++i) tvx::WriteRecord(file, static_cast<int32_t>(i + 1), records[i]);
-    }
+    tvx::fuzz::WriteFuzzDrawing(path, records);
     tvx::KerfDrawing(state, path, tvx::MeetingSearch::BoxedRuns);
 }
 
@@ -58,13 +48,5 @@ void Run(std::string_view input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0 || size > 1 + MostRecords * tvx::RecordLength) return 0;
-    std::error_code ec;
-    fs::remove_all(Root(), ec);
-    fs::create_directories(Root(), ec);
-    try {
-        Run(std::string_view(reinterpret_cast<const char*>(data), size));
-    } catch (const tvx::RunEnd&) {
-        // A fault of the run: the end that a damaged drawing may take.
-    }
-    return 0;
+    return tvx::fuzz::RunInFreshRoot(Root(), data, size, Run);
 }

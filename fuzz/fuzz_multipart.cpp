@@ -6,8 +6,6 @@
 // layout names the part "PART", bits 3-4 the machine's kind); bytes 1-2 the length of the sheet
 // (little-endian), the sheet; the rest the part drawing. Drawings are cut to 12 records; a part
 // record places at most 6 x 6 copies, so that a run stays small.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,36 +14,23 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fault.h"
 #include "common/textfile.h"
 #include "definition/definition_files.h"
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
+#include "fuzz_support.h"
 #include "state/run_state.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using tvx::fuzz::TakePiece;
+using tvx::fuzz::WriteFuzzDrawing;
 
 constexpr size_t MostRecords = 12;
 
 std::string Root() {
-    static const std::string root =
-        (fs::temp_directory_path() / ("torvanex-fuzz-multipart-" + std::to_string(::getpid()))).string();
+    static const std::string root = tvx::fuzz::FuzzRoot("multipart");
     return root;
-}
-
-std::string_view TakePiece(std::string_view& rest) {
-    if (rest.size() < 2) {
-        rest = {};
-        return {};
-    }
-    const size_t length = static_cast<unsigned char>(rest[0]) | (static_cast<size_t>(static_cast<unsigned char>(rest[1])) << 8);
-    rest.remove_prefix(2);
-    const size_t n = length < rest.size() ? length : rest.size();
-    const std::string_view piece = rest.substr(0, n);
-    rest.remove_prefix(n);
-    return piece;
 }
 
 // The records of a fuzzed drawing. A text that could name a file outside the installation loses
@@ -64,12 +49,6 @@ std::vector<tvx::DrawRecord> Records(std::string_view bytes, bool namePart) {
         records.push_back(record);
     }
     return records;
-}
-
-void WriteDrawing(const std::string& path, const std::vector<tvx::DrawRecord>& records) {
-    tvx::DrawingFile file;
-    tvx::MakeWorkingFile(file, path);
-    for (size_t i = 0; i < records.size(); ++i) tvx::WriteRecord(file, static_cast<int32_t>(i + 1), records[i]);
 }
 
 void Run(std::string_view input) {
@@ -104,10 +83,10 @@ void Run(std::string_view input) {
     state.Machine.MachineStem = root + "M.";
     tvx::SetDefinitionFiles(state);
 
-    fs::create_directories(root + "projects/MP");
-    WriteDrawing(root + "projects/MP/PART.drw", part);
+    std::filesystem::create_directories(root + "projects/MP");
+    WriteFuzzDrawing(root + "projects/MP/PART.drw", part);
     const std::string path = root + "Progmain.drw";
-    WriteDrawing(path, sheet);
+    WriteFuzzDrawing(path, sheet);
     tvx::MultipartExplode(state, path);
 }
 
@@ -115,13 +94,5 @@ void Run(std::string_view input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0 || size > 3 * MostRecords * tvx::RecordLength) return 0;
-    std::error_code ec;
-    fs::remove_all(Root(), ec);
-    fs::create_directories(Root(), ec);
-    try {
-        Run(std::string_view(reinterpret_cast<const char*>(data), size));
-    } catch (const tvx::RunEnd&) {
-        // A fault of the run: the end that a damaged drawing may take.
-    }
-    return 0;
+    return tvx::fuzz::RunInFreshRoot(Root(), data, size, Run);
 }

@@ -7,8 +7,6 @@
 // Input: byte 0 the machine and the turn; bytes 1-2 the length of the drawing (little-endian),
 // the drawing; bytes 3-4 behind it the length of Tooling.lkp, its text; the rest the tool
 // drawing. Drawings are cut to 12 records.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,36 +14,21 @@
 #include <string>
 #include <string_view>
 
-#include "common/fault.h"
 #include "drawing/drawfile.h"
 #include "expansion/passes.h"
+#include "fuzz_support.h"
 #include "state/run_state.h"
 #include "tooling/library.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using tvx::fuzz::TakePiece;
 
 constexpr size_t MostRecords = 12;
 
 std::string Root() {
-    static const std::string root =
-        (fs::temp_directory_path() / ("torvanex-fuzz-passes-" + std::to_string(::getpid()))).string();
+    static const std::string root = tvx::fuzz::FuzzRoot("passes");
     return root;
-}
-
-// A piece of the input, taken from the front: its 16-bit length, then its bytes.
-std::string_view TakePiece(std::string_view& rest) {
-    if (rest.size() < 2) {
-        rest = {};
-        return {};
-    }
-    const size_t length = static_cast<unsigned char>(rest[0]) | (static_cast<size_t>(static_cast<unsigned char>(rest[1])) << 8);
-    rest.remove_prefix(2);
-    const size_t n = length < rest.size() ? length : rest.size();
-    const std::string_view piece = rest.substr(0, n);
-    rest.remove_prefix(n);
-    return piece;
 }
 
 // The records of a fuzzed drawing. A text that could climb out of the installation (a custom
@@ -61,12 +44,6 @@ std::vector<tvx::DrawRecord> Records(std::string_view bytes) {
         records.push_back(record);
     }
     return records;
-}
-
-void WriteDrawing(const std::string& path, const std::vector<tvx::DrawRecord>& records) {
-    tvx::DrawingFile file;
-    tvx::MakeWorkingFile(file, path);
-    for (size_t i = 0; i < records.size(); ++i) tvx::WriteRecord(file, static_cast<int32_t>(i + 1), records[i]);
 }
 
 void WriteText(const std::string& path, std::string_view text) {
@@ -108,10 +85,10 @@ void Run(std::string_view input) {
         const std::string list = tvx::JobShapePath(state, record, tvx::LookupFileMode);
         if (list.empty()) continue;
         WriteText(list, lookup);
-        WriteDrawing(tvx::JobShapePath(state, record, tvx::ToolDrawingMode), tooling);
+        tvx::fuzz::WriteFuzzDrawing(tvx::JobShapePath(state, record, tvx::ToolDrawingMode), tooling);
     }
     const std::string path = root + "Progmain.drw";
-    WriteDrawing(path, drawing);
+    tvx::fuzz::WriteFuzzDrawing(path, drawing);
     tvx::AssociativeToolingPass(state, path);
     tvx::ShapePass(state, path);
     tvx::RotateDrawing(state, path, static_cast<double>(flags >> 3) * 22.5);
@@ -123,13 +100,5 @@ void Run(std::string_view input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0 || size > 3 * MostRecords * tvx::RecordLength) return 0;
-    std::error_code ec;
-    fs::remove_all(Root(), ec);
-    fs::create_directories(Root(), ec);
-    try {
-        Run(std::string_view(reinterpret_cast<const char*>(data), size));
-    } catch (const tvx::RunEnd&) {
-        // A fault of the run: the end that a damaged drawing or library may take.
-    }
-    return 0;
+    return tvx::fuzz::RunInFreshRoot(Root(), data, size, Run);
 }
