@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <unordered_map>
+#include <vector>
 
 #include "common/fault.h"
 #include "common/numtext.h"
@@ -18,32 +20,193 @@ std::string NativePath(std::string_view path) {
 
 namespace {
 
-bool Exists(const std::string& native) {
-    std::error_code ec;
-    return fs::exists(fs::path(native), ec);
+// ---- What a run has learned of its folders ------------------------------------------------------
+//
+// While a lookup scope is open, each folder that a lookup needs is listed once: which names it
+// holds, in their exact spelling, and whether each is a file or a folder. Every later lookup in
+// that folder is answered from the listing, and the answers of FindPath are kept as well. The
+// files that the system itself makes, renames or deletes update the listings (NoteFileMade,
+// NoteFileGone); a folder it makes drops what was learned. Outside a scope every lookup asks the
+// file system.
+
+enum class EntryKind : unsigned char { File, Folder, Other };
+
+struct FolderListing {
+    std::unordered_map<std::string, EntryKind> Names;                 // exact name -> kind
+    std::unordered_map<std::string, std::vector<std::string>> ByUpper;  // upper-case name -> exact names
+};
+
+struct LookupCache {
+    int Scopes = 0;
+    std::unordered_map<std::string, FolderListing> Folders;  // by folder, as FolderKey gives it
+    std::unordered_map<std::string, std::string> Found;      // FindPath's answers, by native path
+};
+
+LookupCache& Cache() {
+    static LookupCache cache;
+    return cache;
 }
 
-// Looks a name up in a directory without regard to case.
-bool FindInDirectory(const std::string& directory, const std::string& name, std::string& found) {
+bool Caching() { return Cache().Scopes > 0; }
+
+// A folder's key: "" for the current folder, otherwise the path without doubled or trailing '/'.
+std::string FolderKey(std::string_view folder) {
+    std::string key;
+    for (const char c : folder)
+        if (c != '/' || key.empty() || key.back() != '/') key += c;
+    while (key.size() > 1 && key.back() == '/') key.pop_back();
+    return key;
+}
+
+// Splits a native path into its folder's key and its last name. False when the last name is
+// not a plain name (empty, "." or ".."): such a path is asked of the file system.
+bool SplitName(const std::string& native, std::string& folder, std::string& name) {
+    std::string path = native;
+    const auto slash = path.find_last_of('/');
+    if (slash == std::string::npos) {
+        folder.clear();
+        name = path;
+    } else {
+        folder = FolderKey(std::string_view(path).substr(0, slash == 0 ? 1 : slash));
+        name = path.substr(slash + 1);
+    }
+    return !name.empty() && name != "." && name != "..";
+}
+
+void AddName(FolderListing& listing, const std::string& name, EntryKind kind) {
+    const auto [it, added] = listing.Names.insert_or_assign(name, kind);
+    (void)it;
+    if (added) listing.ByUpper[Upper(name)].push_back(name);
+}
+
+void RemoveName(FolderListing& listing, const std::string& name) {
+    if (listing.Names.erase(name) == 0) return;
+    auto& names = listing.ByUpper[Upper(name)];
+    names.erase(std::remove(names.begin(), names.end(), name), names.end());
+}
+
+// The listing of a folder, made on first need. A folder that cannot be listed holds nothing.
+FolderListing& ListingOf(const std::string& key) {
+    LookupCache& cache = Cache();
+    auto it = cache.Folders.find(key);
+    if (it != cache.Folders.end()) return it->second;
+    FolderListing& listing = cache.Folders[key];
     std::error_code ec;
-    const fs::path dir = directory.empty() ? fs::path(".") : fs::path(directory);
-    fs::directory_iterator it(dir, ec);
-    if (ec) return false;
-    const std::string wanted = Upper(name);
+    fs::directory_iterator entries(key.empty() ? fs::path(".") : fs::path(key), ec);
+    if (ec) return listing;
+    for (const auto& entry : entries) {
+        std::error_code kindError;
+        const EntryKind kind = entry.is_regular_file(kindError) ? EntryKind::File
+                               : entry.is_directory(kindError)  ? EntryKind::Folder
+                                                                : EntryKind::Other;
+        AddName(listing, entry.path().filename().string(), kind);
+    }
+    return listing;
+}
+
+// What stands at a native path: from the folder's listing while caching, else from the file
+// system. False when nothing stands there.
+bool KindAt(const std::string& native, EntryKind& kind) {
+    std::string folder, name;
+    if (Caching() && SplitName(native, folder, name)) {
+        const FolderListing& listing = ListingOf(folder);
+        const auto it = listing.Names.find(name);
+        if (it == listing.Names.end()) return false;
+        kind = it->second;
+        return true;
+    }
+    std::error_code ec;
+    const fs::file_status status = fs::status(fs::path(native), ec);
+    if (ec || !fs::exists(status)) return false;
+    kind = fs::is_regular_file(status) ? EntryKind::File : fs::is_directory(status) ? EntryKind::Folder : EntryKind::Other;
+    return true;
+}
+
+bool Exists(const std::string& native) {
+    EntryKind kind{};
+    return KindAt(native, kind);
+}
+
+// Looks a name up in a directory without regard to case; of several spellings the first in
+// byte order is taken.
+bool FindInDirectory(const std::string& directory, const std::string& name, std::string& found) {
     std::string best;
-    for (const auto& entry : it) {
-        const std::string candidate = entry.path().filename().string();
-        if (Upper(candidate) == wanted && (best.empty() || candidate < best)) best = candidate;
+    if (Caching()) {
+        const FolderListing& listing = ListingOf(FolderKey(directory));
+        const auto it = listing.ByUpper.find(Upper(name));
+        if (it == listing.ByUpper.end()) return false;
+        for (const std::string& candidate : it->second)
+            if (best.empty() || candidate < best) best = candidate;
+    } else {
+        std::error_code ec;
+        const fs::path dir = directory.empty() ? fs::path(".") : fs::path(directory);
+        fs::directory_iterator it(dir, ec);
+        if (ec) return false;
+        const std::string wanted = Upper(name);
+        for (const auto& entry : it) {
+            const std::string candidate = entry.path().filename().string();
+            if (Upper(candidate) == wanted && (best.empty() || candidate < best)) best = candidate;
+        }
     }
     if (best.empty()) return false;
     found = best;
     return true;
 }
 
+std::string FindPathUncached(const std::string& native);
+
 }  // namespace
+
+LookupCacheScope::LookupCacheScope() { ++Cache().Scopes; }
+
+LookupCacheScope::~LookupCacheScope() {
+    LookupCache& cache = Cache();
+    if (--cache.Scopes == 0) {
+        cache.Folders.clear();
+        cache.Found.clear();
+    }
+}
+
+void NoteFileMade(std::string_view path) {
+    if (!Caching()) return;
+    LookupCache& cache = Cache();
+    cache.Found.clear();
+    std::string folder, name;
+    if (!SplitName(NativePath(path), folder, name)) return;
+    const auto it = cache.Folders.find(folder);
+    if (it != cache.Folders.end()) AddName(it->second, name, EntryKind::File);
+}
+
+void NoteFileGone(std::string_view path) {
+    if (!Caching()) return;
+    LookupCache& cache = Cache();
+    cache.Found.clear();
+    std::string folder, name;
+    if (!SplitName(NativePath(path), folder, name)) return;
+    const auto it = cache.Folders.find(folder);
+    if (it != cache.Folders.end()) RemoveName(it->second, name);
+}
+
+void NoteFoldersChanged() {
+    if (!Caching()) return;
+    Cache().Folders.clear();
+    Cache().Found.clear();
+}
 
 std::string FindPath(std::string_view path) {
     const std::string native = NativePath(path);
+    if (!Caching()) return FindPathUncached(native);
+    LookupCache& cache = Cache();
+    const auto it = cache.Found.find(native);
+    if (it != cache.Found.end()) return it->second;
+    std::string found = FindPathUncached(native);
+    cache.Found.emplace(native, found);
+    return found;
+}
+
+namespace {
+
+std::string FindPathUncached(const std::string& native) {
     if (native.empty() || Exists(native)) return native;
     // Walk the components, matching each without regard to case where it is not exact.
     std::string result;
@@ -78,24 +241,30 @@ std::string FindPath(std::string_view path) {
     return result;
 }
 
+}  // namespace
+
 bool FileExists(std::string_view path) {
-    std::error_code ec;
-    return fs::is_regular_file(fs::path(FindPath(path)), ec);
+    EntryKind kind{};
+    return KindAt(FindPath(path), kind) && kind == EntryKind::File;
 }
 
 bool DirectoryExists(std::string_view path) {
-    std::error_code ec;
-    std::string native = FindPath(path);
+    const std::string native = FindPath(path);
     if (native.empty()) return false;
-    return fs::is_directory(fs::path(native), ec);
+    EntryKind kind{};
+    // A path that ends in a separator names the folder itself.
+    const std::string folder = native.size() > 1 && native.back() == '/' ? FolderKey(native) : native;
+    return KindAt(folder, kind) && kind == EntryKind::Folder;
 }
 
 void CopyFileTo(std::string_view source, std::string_view destination) {
     const std::string from = FindPath(source);
     if (!FileExists(from)) FileFault("File not found", std::string(source));
     std::error_code ec;
-    fs::copy_file(from, FindPath(destination), fs::copy_options::overwrite_existing, ec);
+    const std::string to = FindPath(destination);
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing, ec);
     if (ec) FileFault("Cannot copy to file", std::string(destination));
+    NoteFileMade(to);
 }
 
 void CopyFileAtomically(std::string_view source, std::string_view destination) {
@@ -114,25 +283,31 @@ void CopyFileAtomically(std::string_view source, std::string_view destination) {
         fs::remove(temporary, ec);
         FileFault("Cannot write file", std::string(destination));
     }
+    NoteFileMade(to);
 }
 
 void DeleteFile(std::string_view path) {
     const std::string found = FindPath(path);
     std::error_code ec;
-    if (!fs::is_regular_file(found, ec) || !fs::remove(found, ec)) FileFault("File not found", std::string(path));
+    if (!FileExists(found) || !fs::remove(found, ec)) FileFault("File not found", std::string(path));
+    NoteFileGone(found);
 }
 
 void DeleteIfExists(std::string_view path) {
     const std::string found = FindPath(path);
     std::error_code ec;
-    if (fs::is_regular_file(found, ec)) fs::remove(found, ec);
+    if (FileExists(found)) {
+        fs::remove(found, ec);
+        NoteFileGone(found);
+    }
 }
 
 void MakeDirectory(std::string_view path) {
     std::error_code ec;
     const std::string native = FindPath(path);
-    if (fs::is_directory(native, ec)) return;
+    if (DirectoryExists(native)) return;
     fs::create_directories(native, ec);
+    NoteFoldersChanged();
     if (ec) FileFault("Cannot make directory", std::string(path));
 }
 
@@ -164,14 +339,20 @@ namespace {
 // regard to case.
 std::vector<std::string> ListEntries(std::string_view directory, std::string_view pattern, bool directories) {
     std::vector<std::string> names;
-    std::error_code ec;
     const std::string dir = FindPath(directory);
-    fs::directory_iterator it(dir.empty() ? fs::path(".") : fs::path(dir), ec);
-    if (ec) return names;
-    for (const auto& entry : it) {
-        if (directories ? !entry.is_directory(ec) : !entry.is_regular_file(ec)) continue;
-        const std::string name = entry.path().filename().string();
-        if (WildcardMatch(pattern, name)) names.push_back(name);
+    if (Caching()) {
+        const EntryKind wanted = directories ? EntryKind::Folder : EntryKind::File;
+        for (const auto& [name, kind] : ListingOf(FolderKey(dir)).Names)
+            if (kind == wanted && WildcardMatch(pattern, name)) names.push_back(name);
+    } else {
+        std::error_code ec;
+        fs::directory_iterator it(dir.empty() ? fs::path(".") : fs::path(dir), ec);
+        if (ec) return names;
+        for (const auto& entry : it) {
+            if (directories ? !entry.is_directory(ec) : !entry.is_regular_file(ec)) continue;
+            const std::string name = entry.path().filename().string();
+            if (WildcardMatch(pattern, name)) names.push_back(name);
+        }
     }
     std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
         const std::string ua = Upper(a), ub = Upper(b);
@@ -192,8 +373,12 @@ std::vector<std::string> ListDirectories(std::string_view directory, std::string
 
 void RenameFile(std::string_view from, std::string_view to) {
     std::error_code ec;
-    fs::rename(FindPath(from), NativePath(to), ec);
+    const std::string source = FindPath(from);
+    const std::string destination = NativePath(to);
+    fs::rename(source, destination, ec);
     if (ec) FileFault("Cannot rename file", std::string(from));
+    NoteFileGone(source);
+    NoteFileMade(destination);
 }
 
 bool DriveReady(std::string_view path) {

@@ -14,6 +14,24 @@ std::string NativePath(std::string_view path);
 std::string FindPath(std::string_view path);
 
 bool FileExists(std::string_view path);
+
+// While a scope is open (a run of a job holds one), what lookups learn of a folder is kept: each
+// folder is listed once, and FindPath, FileExists, DirectoryExists and the listings answer from
+// what was learned. The files that the system makes, renames and deletes keep it true: the
+// functions here note their own changes, and a writer that makes a file by other means calls
+// NoteFileMade. Files that another program changes in the meantime are not seen.
+struct LookupCacheScope {
+    LookupCacheScope();
+    ~LookupCacheScope();
+    LookupCacheScope(const LookupCacheScope&) = delete;
+    LookupCacheScope& operator=(const LookupCacheScope&) = delete;
+};
+// A file made (or written anew) at a path as it stands on disk.
+void NoteFileMade(std::string_view path);
+// A file deleted at a path as it stands on disk.
+void NoteFileGone(std::string_view path);
+// Folders made: what was learned of folders is dropped.
+void NoteFoldersChanged();
 bool DirectoryExists(std::string_view path);
 // Copies a file, overwriting; a missing source is the file fault.
 void CopyFileTo(std::string_view source, std::string_view destination);

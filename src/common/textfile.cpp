@@ -196,6 +196,7 @@ void OpenTextOutput(TextOutput& out, const std::string& path, bool append) {
     const std::string native = FindPath(path);
     std::FILE* f = std::fopen(native.c_str(), append ? "ab" : "wb");
     if (!f) FileFault("Cannot write file", path);
+    NoteFileMade(native);
     out.Path = path;
     out.File.reset(f);
     std::setvbuf(f, nullptr, _IOFBF, 1 << 16);

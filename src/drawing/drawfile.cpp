@@ -258,7 +258,12 @@ void OpenDrawing(DrawingFile& file, const std::string& path) {
     if (!f) {
         // A drawing that may not be written (a library on a read-only share) is opened for
         // reading; a missing one is made.
-        f = FileExists(path) ? std::fopen(native.c_str(), "rb") : std::fopen(native.c_str(), "w+b");
+        if (FileExists(path)) {
+            f = std::fopen(native.c_str(), "rb");
+        } else {
+            f = std::fopen(native.c_str(), "w+b");
+            if (f) NoteFileMade(native);
+        }
     }
     if (!f) FileFault("Cannot open file", path);
     std::setvbuf(f, nullptr, _IOFBF, 1 << 16);

@@ -55,6 +55,9 @@ int RunJob(const std::string& directory) {
     // Files named without a directory ("progsubs.sub") lie in the directory of the run.
     state->Job.CurrentDir = directory.empty() ? std::string() : WithSeparator(directory);
     if (const char* clock = std::getenv("TORVANEX_CLOCK")) state->Job.FixedClock = clock;
+    // What the run learns of its folders is kept for the run: a stage file that is not there is
+    // looked for once, not once a record.
+    LookupCacheScope lookups;
     try {
         PostMain(*state);
         return ExitClean;
