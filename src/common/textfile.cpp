@@ -199,7 +199,9 @@ void OpenTextOutput(TextOutput& out, const std::string& path, bool append) {
     NoteFileMade(native);
     out.Path = path;
     out.File.reset(f);
-    std::setvbuf(f, nullptr, _IOFBF, 1 << 16);
+    constexpr size_t BufferSize = 1 << 16;
+    if (!out.Buffer) out.Buffer = std::make_unique<char[]>(BufferSize);
+    std::setvbuf(f, out.Buffer.get(), _IOFBF, BufferSize);
 }
 
 void CloseText(TextOutput& out) { out.File.reset(); }

@@ -56,6 +56,10 @@ bool IsListEnd(std::string_view item);
 // A text file open for output, buffered.
 struct TextOutput {
     std::string Path;
+    // The stream's buffer, owned here so that it is large: a stream left to choose its own takes
+    // a block of 4 KB and writes a long program in as many calls. Declared before the stream, so
+    // that the stream is closed (and written out) before its buffer goes.
+    std::unique_ptr<char[]> Buffer;
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
 };
 
