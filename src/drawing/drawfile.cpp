@@ -261,7 +261,10 @@ void OpenDrawing(DrawingFile& file, const std::string& path) {
         f = FileExists(path) ? std::fopen(native.c_str(), "rb") : std::fopen(native.c_str(), "w+b");
     }
     if (!f) FileFault("Cannot open file", path);
-    std::setvbuf(f, nullptr, _IOFBF, 1 << 16);
+    // The buffer is given, not only its size: without one the C library takes the file system's
+    // block size and a walk reads 4 KB at a time.
+    if (!file.Buffer) file.Buffer = std::make_unique_for_overwrite<char[]>(DrawingBufferSize);
+    std::setvbuf(f, file.Buffer.get(), _IOFBF, DrawingBufferSize);
     file.Path = path;
     file.File.reset(f);
     file.ReadPosition = -1;

@@ -79,6 +79,9 @@ DrawRecord DecodeRecord(std::string_view bytes);
 // A drawing file open for random access.
 struct DrawingFile {
     std::string Path;  // as opened, for messages
+    // The stream's buffer, DrawingBufferSize bytes, kept from one opening to the next. It stands
+    // before File so that it outlives the stream that uses it.
+    std::unique_ptr<char[]> Buffer;
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
     // Where the stream stands after a read of this handle, -1 when not known: a read of the
     // next record in turn goes on without a seek, so that a walk is read through the buffer.
@@ -95,6 +98,8 @@ struct DrawingFile {
     int32_t HeldFirst = 0;
 };
 
+// The size of a drawing stream's buffer: a walk reads this much at a time.
+inline constexpr size_t DrawingBufferSize = size_t{1} << 16;
 // The most records a write-behind holds before it writes them.
 inline constexpr size_t WriteBehindRecords = 256;
 
