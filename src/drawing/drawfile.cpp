@@ -266,13 +266,20 @@ void OpenDrawing(DrawingFile& file, const std::string& path) {
         }
     }
     if (!f) FileFault("Cannot open file", path);
-    std::setvbuf(f, nullptr, _IOFBF, 1 << 16);
+    // The buffer is given, not only its size: without one the C library takes the file system's
+    // block size and a walk reads 4 KB at a time.
+    if (!file.Buffer) file.Buffer = std::make_unique_for_overwrite<char[]>(DrawingBufferSize);
+    std::setvbuf(f, file.Buffer.get(), _IOFBF, DrawingBufferSize);
     file.Path = path;
     file.File.reset(f);
     file.ReadPosition = -1;
 }
 
 void CloseDrawing(DrawingFile& file) {
+    if (file.File) FlushDrawing(file);
+    std::vector<unsigned char>().swap(file.Held);
+    file.HeldFirst = 0;
+    file.WriteBehind = false;
     file.File.reset();
     file.ReadPosition = -1;
 }
@@ -281,6 +288,7 @@ bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
 
 void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
     RequireOpen(file);
+    FlushDrawing(file);
     const off_t position = RecordPosition(file, number);
     std::FILE* f = file.File.get();
     char buffer[RecordLength];
@@ -320,12 +328,43 @@ void WriteBytesAt(DrawingFile& file, int32_t number, const unsigned char* bytes,
 
 }  // namespace
 
+void FlushDrawing(DrawingFile& file) {
+    if (file.Held.empty()) return;
+    // The run leaves the handle before it is written: a write that fails does not leave it
+    // behind to be written again by the close that follows.
+    std::vector<unsigned char> run;
+    run.swap(file.Held);
+    WriteBytesAt(file, file.HeldFirst, run.data(), run.size());
+    run.clear();
+    file.Held.swap(run);  // the next run reuses the room
+}
+
 void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
     const RecordBytes bytes = EncodeRecord(record);
-    WriteBytesAt(file, number, bytes.data(), RecordLength);
+    if (!file.WriteBehind) {
+        WriteBytesAt(file, number, bytes.data(), RecordLength);
+        return;
+    }
+    // A closed file or a number below 1 is a fault at once, not when the run is written.
+    RequireOpen(file);
+    RecordPosition(file, number);
+    const int64_t held = static_cast<int64_t>(file.Held.size() / RecordLength);
+    const int64_t offset = static_cast<int64_t>(number) - file.HeldFirst;
+    if (held > 0 && offset >= 0 && offset < held) {
+        std::copy(bytes.begin(), bytes.end(), file.Held.begin() + static_cast<std::ptrdiff_t>(offset * RecordLength));
+        return;
+    }
+    if (held > 0 && offset != held) FlushDrawing(file);
+    if (file.Held.empty()) {
+        file.HeldFirst = number;
+        file.Held.reserve(WriteBehindRecords * RecordLength);
+    }
+    file.Held.insert(file.Held.end(), bytes.begin(), bytes.end());
+    if (file.Held.size() >= WriteBehindRecords * RecordLength) FlushDrawing(file);
 }
 
 void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count) {
+    if (file.File) FlushDrawing(file);
     if (count == 0) return;
     std::vector<unsigned char> bytes(count * RecordLength);
     for (size_t i = 0; i < count; ++i) {
@@ -337,6 +376,7 @@ void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, s
 
 int32_t RecordsOnDisk(DrawingFile& file) {
     RequireOpen(file);
+    FlushDrawing(file);
     std::FILE* f = file.File.get();
     file.ReadPosition = -1;
     if (::fseeko(f, 0, SEEK_END) != 0) FileFault("Cannot read file", file.Path);
@@ -368,6 +408,31 @@ int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRec
         visit(static_cast<int32_t>(n), record);
     }
     return last;
+}
+
+void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
+                   const std::function<bool(int32_t, DrawRecord&)>& change) {
+    constexpr int64_t Chunk = static_cast<int64_t>(WriteBehindRecords);
+    std::vector<DrawRecord> records;
+    std::vector<bool> changed;
+    for (int64_t from = first < 1 ? 1 : first; from <= last; from += Chunk) {
+        const int64_t to = last - from < Chunk ? last : from + Chunk - 1;
+        const size_t size = static_cast<size_t>(to - from + 1);
+        records.resize(size);
+        changed.assign(size, false);
+        for (size_t i = 0; i < size; ++i) ReadRecord(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), records[i]);
+        for (size_t i = 0; i < size; ++i) changed[i] = change(static_cast<int32_t>(from + static_cast<int64_t>(i)), records[i]);
+        for (size_t i = 0; i < size;) {
+            if (!changed[i]) {
+                ++i;
+                continue;
+            }
+            size_t end = i + 1;
+            while (end < size && changed[end]) ++end;
+            WriteRecords(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), records.data() + i, end - i);
+            i = end;
+        }
+    }
 }
 
 void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {

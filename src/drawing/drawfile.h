@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "drawing/record.h"
 
@@ -78,25 +79,49 @@ DrawRecord DecodeRecord(std::string_view bytes);
 // A drawing file open for random access.
 struct DrawingFile {
     std::string Path;  // as opened, for messages
+    // The stream's buffer, DrawingBufferSize bytes, kept from one opening to the next. It stands
+    // before File so that it outlives the stream that uses it.
+    std::unique_ptr<char[]> Buffer;
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> File{nullptr, &std::fclose};
     // Where the stream stands after a read of this handle, -1 when not known: a read of the
     // next record in turn goes on without a seek, so that a walk is read through the buffer.
     int64_t ReadPosition = -1;
+    // Write-behind, for a working file that no other handle reads while it is written: set by
+    // its owner after opening, cleared by every opening and closing. WriteRecord then holds the
+    // bytes of a run of consecutive records (HeldFirst on) instead of writing each at once; the
+    // run is written in one write when it reaches WriteBehindRecords records, and before any
+    // read, count or other write through this handle, by FlushDrawing and by CloseDrawing.
+    // Records still held when the handle is dropped without FlushDrawing or CloseDrawing (a run
+    // that ended in a fault) are never written.
+    bool WriteBehind = false;
+    std::vector<unsigned char> Held;
+    int32_t HeldFirst = 0;
 };
+
+// The size of a drawing stream's buffer: a walk reads this much at a time.
+inline constexpr size_t DrawingBufferSize = size_t{1} << 16;
+// The most records a write-behind holds before it writes them.
+inline constexpr size_t WriteBehindRecords = 256;
 
 // Opens a drawing for random access, making an empty file when there is none; a file that may
 // not be written is opened for reading only, and a write to it is the file fault "Cannot write
 // file". A file that cannot be opened or made is the file fault "Cannot open file".
 void OpenDrawing(DrawingFile& file, const std::string& path);
+// Writes any held records and closes the file.
 void CloseDrawing(DrawingFile& file);
+// Writes the records that a write-behind holds, in one write; nothing to do without any.
+void FlushDrawing(DrawingFile& file);
 bool IsOpen(const DrawingFile& file);
 // Reads record n (from 1). A record past the end of the file reads as zeros (EntityCode 0);
 // a partial last record gives its present bytes and zeros after them.
 void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record);
 DrawRecord ReadRecord(DrawingFile& file, int32_t number);
-// Writes record n (from 1); writing past the end extends the file.
+// Writes record n (from 1); writing past the end extends the file. Without write-behind the
+// record is flushed at once, so that every other handle of the file reads it. With it, a record
+// at the number behind the held run joins the run, one at a held number replaces the held one,
+// and any other number first writes the held run and then starts a new run.
 void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record);
-// Writes count records from number first on, in one write.
+// Writes count records from number first on, in one write (after any held records).
 void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count);
 // The number of records the file holds, a partial last record counted.
 int32_t RecordsOnDisk(DrawingFile& file);
@@ -115,6 +140,13 @@ int32_t ReadRecordCount(DrawingFile& file);
 // called for each record from 1 up to RecordCount, record 1 included. A RecordCount beyond the
 // records on disk ends the walk at the last of them. Gives the number of records visited.
 int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRecord&)>& visit);
+
+// Changes records first up to last of a drawing in place, a chunk at a time: reads up to
+// WriteBehindRecords records in turn, calls `change(n, record)` on each, then writes back each
+// run of consecutive records for which it gave true, a run in one write. A record for which it
+// gave false is not written. `change` sees each record as the file held it before the walk.
+void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
+                   const std::function<bool(int32_t, DrawRecord&)>& change);
 
 // The end of a pass that changed the number of records: copies records 2 up to newCount of the
 // pass's working file back over the source, record by record, then writes newCount into the

@@ -24,15 +24,13 @@ void PlaceOnEntity(RunState& state, DrawingFile& file, const DrawRecord& entity)
     const int32_t onDisk = RecordsOnDisk(file);
     const int32_t last = count < onDisk ? count : onDisk;
     const SinglePoint& at = entity.Point[4];
-    DrawRecord record;
-    for (int32_t n = 1; n <= last; ++n) {
-        ReadRecord(file, n, record);
-        if (record.EntityCode == 350 || record.EntityCode == 355) continue;
+    ChangeInPlace(file, 1, last, [&](int32_t n, DrawRecord& record) {
+        if (record.EntityCode == 350 || record.EntityCode == 355) return false;
         MoveRecord(record, at.X, at.Y);
         if (n == count && record.After.ActionCode == 0) CopyAfter(entity.After, record.After);
         BindRecord(state.Machine, record);
-        WriteRecord(file, n, record);
-    }
+        return true;
+    });
 }
 
 }  // namespace

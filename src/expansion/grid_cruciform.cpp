@@ -40,15 +40,13 @@ void GridPass(RunState&, const std::string& drawing) {
     // Records behind the end of the file read as zeros and are no grids: a damaged count does
     // not make the walk read them.
     const int32_t onDisk = RecordsOnDisk(file);
-    for (int32_t n = 2; n <= count && n <= onDisk; ++n) {
-        DrawRecord record;
-        ReadRecord(file, n, record);
-        if (IsSwappedGrid(record)) {
-            UnswapGrid(record);
-            WriteRecord(file, n, record);
-        }
+    // Only a grid that is unswapped is written back.
+    ChangeInPlace(file, 2, count < onDisk ? count : onDisk, [count](int32_t n, DrawRecord& record) {
+        const bool swapped = IsSwappedGrid(record);
+        if (swapped) UnswapGrid(record);
         SetProgress(static_cast<int>(static_cast<double>(n) / (static_cast<double>(count) + 1) * 100));
-    }
+        return swapped;
+    });
     CloseDrawing(file);
 }
 
@@ -59,17 +57,14 @@ void CruciformPass(RunState& state, const std::string& drawing) {
     state.Job.WorkingCount = count;
     ShowProgress("Processing Cruciforms");
     const int32_t onDisk = RecordsOnDisk(file);
-    for (int32_t n = 1; n <= count && n <= onDisk; ++n) {
-        DrawRecord record;
-        ReadRecord(file, n, record);
-        // Every record is put back at its number; one that did not change is the same bytes, so
-        // only a replaced arc is written.
-        if (IsRadiusPunchArc(record)) {
-            ArcToPunch(state, record);
-            WriteRecord(file, n, record);
-        }
+    // Every record is put back at its number; one that did not change is the same bytes, so
+    // only a replaced arc is written.
+    ChangeInPlace(file, 1, count < onDisk ? count : onDisk, [&state, count](int32_t n, DrawRecord& record) {
+        const bool arc = IsRadiusPunchArc(record);
+        if (arc) ArcToPunch(state, record);
         SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
-    }
+        return arc;
+    });
     CloseDrawing(file);
     state.Job.WorkingCount = 0;
 }

@@ -28,29 +28,6 @@ namespace {
 constexpr const char* PartExtensions[] = {"dxf", "drg", "drw", "prg", "nts", "inf",
                                           "nrp", "prt", "rpt", "usr", "seq", "stp"};
 
-// Records written to a working file in batches: one write of many records instead of one
-// flushed write each, as the copies of a sheet run to many thousands of records.
-struct RecordSink {
-    DrawingFile* File = nullptr;
-    int32_t Count = 0;  // records written or waiting, record 1 included
-    std::vector<DrawRecord> Waiting;
-};
-
-constexpr size_t SinkBatch = 256;
-
-void Flush(RecordSink& sink) {
-    if (sink.Waiting.empty()) return;
-    const int32_t first = sink.Count - static_cast<int32_t>(sink.Waiting.size()) + 1;
-    WriteRecords(*sink.File, first, sink.Waiting.data(), sink.Waiting.size());
-    sink.Waiting.clear();
-}
-
-void Append(RecordSink& sink, const DrawRecord& record) {
-    ++sink.Count;
-    sink.Waiting.push_back(record);
-    if (sink.Waiting.size() >= SinkBatch) Flush(sink);
-}
-
 // The records of a drawing from 2 up to its RecordCount, read in one walk; a count beyond the
 // records on disk ends at the last of them.
 std::vector<DrawRecord> EntityRecords(DrawingFile& file, DrawRecord& header) {
@@ -245,8 +222,11 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
     const std::string partPath = state.Job.WorkDir + "Progpart.drw";
     DrawingFile temp;
     MakeWorkingFile(temp, tempPath);
-    RecordSink sink{&temp, 0, {}};
-    Append(sink, header);
+    // The copies of a sheet run to many thousands of records: nothing else reads the working
+    // file while they are put there, so they are written in batches.
+    temp.WriteBehind = true;
+    int32_t made = 0;  // records put into the working file, record 1 included
+    WriteRecord(temp, ++made, header);
     ShowProgress("Processing Multipart(s)");
 
     const int32_t onDisk = RecordsOnDisk(source);
@@ -288,7 +268,7 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
             const int64_t copies = layout.Columns > 0 && layout.Rows > 0
                                        ? static_cast<int64_t>(layout.Columns) * layout.Rows
                                        : 0;
-            if (static_cast<int64_t>(sink.Count) + copies * static_cast<int64_t>(part.size()) > INT32_MAX)
+            if (static_cast<int64_t>(made) + copies * static_cast<int64_t>(part.size()) > INT32_MAX)
                 RunFault("Too many records for one drawing: " + LongText(layout.Columns) + " x " +
                          LongText(layout.Rows) + " copies of " + partPath);
             for (int64_t k = 1; k <= copies; ++k) {
@@ -298,25 +278,25 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
                 for (size_t i = 0; i < size; ++i) {
                     const DrawRecord& from = reversed ? part[size - 1 - i] : part[i];
                     MultipartCopy(state.Machine, from, layout, place, reversed, copy);
-                    Append(sink, copy);
+                    WriteRecord(temp, ++made, copy);
                 }
             }
         } else if (code == 521 || code == 522) {
             record.EntityCode = 120;
             record.EntityText = "";
             record.SpareWord = 0;
-            Append(sink, record);
+            WriteRecord(temp, ++made, record);
         } else if (code > 1 && code <= 1000) {
-            Append(sink, record);
+            WriteRecord(temp, ++made, record);
         }
         SetProgress(static_cast<int>(static_cast<double>(n) / last * 100));
     }
-    Flush(sink);
-    RewriteFromTemp(source, temp, sink.Count);
+    FlushDrawing(temp);
+    RewriteFromTemp(source, temp, made);
     CloseDrawing(temp);
     CloseDrawing(source);
     DeleteFile(tempPath);
-    state.Job.WorkingCount = sink.Count;
+    state.Job.WorkingCount = made;
     if (!partPresent) ShowMessage("Torvanex", "Single Part Missing or Moved!\nRedo Multipart");
 }
 

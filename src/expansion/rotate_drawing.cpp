@@ -131,13 +131,11 @@ void RotateDrawing(RunState& state, const std::string& drawing, double angle) {
     const int32_t count = ReadRecordCount(file);
     const int32_t onDisk = RecordsOnDisk(file);
     const int32_t last = count < onDisk ? count : onDisk;
-    DrawRecord record;
-    for (int32_t n = 1; n <= last; ++n) {
-        ReadRecord(file, n, record);
+    ChangeInPlace(file, 1, last, [&state, angle](int32_t, DrawRecord& record) {
         TurnRecord(state, record, angle);
         BindRecord(state.Machine, record);
-        WriteRecord(file, n, record);
-    }
+        return true;
+    });
     CloseDrawing(file);
 }
 

@@ -48,6 +48,9 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
     const std::string tempPath = state.Job.WorkDir + std::string(PassTempName);
     DrawingFile temp;
     MakeWorkingFile(temp, tempPath);
+    // Nothing else reads the working file while the walk fills it: the records the walk and the
+    // split dispatch put there are written in batches.
+    temp.WriteBehind = true;
     ShowProgress(caption);
     // The bar runs over the records and four steps more, in whole percent, truncated.
     const double steps = static_cast<double>(count) + 4;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "common/numeric.h"
 #include "common/paths.h"
@@ -78,36 +77,6 @@ std::string WithExtension(const std::string& path, const char* ext) {
     const size_t point = path.rfind('.');
     const bool hasExtension = point != std::string::npos && (name == std::string::npos || point > name);
     return (hasExtension ? path.substr(0, point) : path) + "." + ext;
-}
-
-// The target of the pass, written in batches: the records from Base on are held until a batch
-// is full, so that the walk costs a write per batch, not per record. A record already written
-// is put back in place.
-struct KerfTarget {
-    DrawingFile File;
-    std::vector<DrawRecord> Held;
-    int32_t Base = 1;
-};
-
-constexpr size_t KerfBatch = 256;
-
-void FlushTarget(KerfTarget& target) {
-    WriteRecords(target.File, target.Base, target.Held.data(), target.Held.size());
-    target.Base += static_cast<int32_t>(target.Held.size());
-    target.Held.clear();
-}
-
-// Puts a record at number n: the next number in turn, or one already given.
-void PutRecord(KerfTarget& target, int32_t n, const DrawRecord& record) {
-    const int32_t next = target.Base + static_cast<int32_t>(target.Held.size());
-    if (n == next) {
-        target.Held.push_back(record);
-        if (target.Held.size() >= KerfBatch) FlushTarget(target);
-    } else if (n >= target.Base && n < next) {
-        target.Held[static_cast<size_t>(n - target.Base)] = record;
-    } else {
-        WriteRecord(target.File, n, record);
-    }
 }
 
 }  // namespace
@@ -229,13 +198,14 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
     OpenDrawing(source, WithExtension(path, "drw"));
     const std::string kerf = WithExtension(path, "krf");
     DeleteIfExists(kerf);
-    KerfTarget target;
-    MakeWorkingFile(target.File, kerf);
-    target.Held.reserve(KerfBatch);
+    // The target is written in batches: nothing else reads it before it is closed.
+    DrawingFile target;
+    MakeWorkingFile(target, kerf);
+    target.WriteBehind = true;
 
     DrawRecord header;
     ReadRecord(source, 1, header);
-    PutRecord(target, 1, header);
+    WriteRecord(target, 1, header);
     int32_t outCount = 1;
     int16_t errorFlag = 0;
 
@@ -292,15 +262,15 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
             if (meeting.Class == 1 || meeting.Class == 2) {
                 TrimToMeeting(machine, prev.Out, meeting, 2);
                 TrimToMeeting(machine, work, meeting, 1);
-                PutRecord(target, prev.OutNumber, prev.Out);
+                WriteRecord(target, prev.OutNumber, prev.Out);
             } else {
                 DrawRecord arc;
                 CornerArc(machine, prev.Out, work, prev.CornerX, prev.CornerY, KerfRadius, arc);
-                PutRecord(target, ++outCount, arc);
+                WriteRecord(target, ++outCount, arc);
             }
         }
 
-        PutRecord(target, ++outCount, work);
+        WriteRecord(target, ++outCount, work);
         if (IsProfilePiece(work.EntityCode)) {
             prev.Out = work;
             prev.OutNumber = outCount;
@@ -313,9 +283,8 @@ int16_t KerfDrawing(RunState& state, const std::string& path, MeetingSearch sear
     }
 
     header.RecordCount = outCount;
-    PutRecord(target, 1, header);
-    FlushTarget(target);
-    CloseDrawing(target.File);
+    WriteRecord(target, 1, header);
+    CloseDrawing(target);
     CloseDrawing(source);
     return errorFlag;
 }

@@ -39,6 +39,7 @@ void WriteWithLeads(SplitOutput& out, DrawRecord& entity, LeadedEntityChoices ch
 void SingleProfile(RunState& state, DrawRecord& record) {
     DrawingFile& shape = state.Loop.ShapeDrawing;
     MakeWorkingFile(shape, ShapeDrawingPath(state));
+    shape.WriteBehind = true;  // read only once it is closed
     int32_t count = 0;
     SplitOutput out = FileOutput(state.Machine, shape, count, SingleShapeChoices, RecordPlace(state));
     WriteWithLeads(out, record, LeadedEntityChoices{true, false});

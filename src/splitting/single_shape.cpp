@@ -16,6 +16,7 @@ void WriteShapeDrawing(RunState& state, const DrawRecord& shape, SingleShapeRout
     if (routine == nullptr) return;
     DrawingFile& file = state.Loop.ShapeDrawing;
     MakeWorkingFile(file, ShapeDrawingPath(state));
+    file.WriteBehind = true;  // read only once it is closed
     int32_t count = 0;
     SplitOutput out = FileOutput(state.Machine, file, count, SingleShapeChoices, RecordPlace(state));
     routine(out, shape);
