@@ -58,13 +58,13 @@ void WriteRecordsMade(const std::string& path, DrawRecord header, int32_t record
     WriteRecord(file, 1, header);
     std::vector<DrawRecord> batch;
     batch.reserve(GeneratedBatch);
-    int32_t first = 2;
     for (int32_t i = 0; i < records; ++i) {
         batch.emplace_back();
         make(i, batch.back());
         if (batch.size() == GeneratedBatch || i + 1 == records) {
+            // Record i + 2 ends the batch.
+            const int32_t first = i + 2 - static_cast<int32_t>(batch.size()) + 1;
             WriteRecords(file, first, batch.data(), batch.size());
-            first += static_cast<int32_t>(batch.size());
             batch.clear();
         }
     }
