@@ -40,6 +40,13 @@ int RunCommandLine(int argc, char** argv) {
     auto* build = drawing->add_subcommand("build", "Write a drawing from its JSON form");
     build->add_option("file", buildFile, "JSON file")->required();
     build->add_option("-o,--output", buildOutput, "Drawing file to write")->required();
+    std::string generateKind, generateRecords, generateOutput;
+    auto* generate = drawing->add_subcommand("generate", "Write a large drawing for measuring a whole job");
+    generate->add_option("--kind", generateKind, "punch (hits) or laser (outlines of lines and arcs)")
+        ->required()
+        ->check(CLI::IsMember({"punch", "laser"}));
+    generate->add_option("--records", generateRecords, "Number of entity records after the header")->required();
+    generate->add_option("-o,--output", generateOutput, "Drawing file to write")->required();
 
     std::string demoExample = "punch", demoDirectory;
     auto* demo = app.add_subcommand("demo", "Unpack an example installation, run its job and show the program");
@@ -94,6 +101,7 @@ int RunCommandLine(int argc, char** argv) {
     try {
         if (*dump) return DrawingDumpCommand(dumpFile, std::cout);
         if (*build) return DrawingBuildCommand(buildFile, buildOutput);
+        if (*generate) return DrawingGenerateCommand(generateKind, generateRecords, generateOutput);
         if (*tryCommand) {
             tryOptions.FormatPass = !tryRaw;
             return TryCommand(tryOptions, std::cout, std::cerr);
