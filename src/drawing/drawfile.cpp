@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 #include <vector>
 #include <sys/types.h>
 
@@ -75,15 +76,26 @@ namespace {
 using Bytes = unsigned char*;
 using ConstBytes = const unsigned char*;
 
+// The file is little-endian; on a little-endian host a field is its bytes as they stand.
+constexpr bool HostIsLittleEndian = std::endian::native == std::endian::little;
+
 void PutInt16(Bytes at, int16_t v) {
     const auto u = static_cast<uint16_t>(v);
-    at[0] = static_cast<unsigned char>(u & 0xFF);
-    at[1] = static_cast<unsigned char>(u >> 8);
+    if constexpr (HostIsLittleEndian) {
+        std::memcpy(at, &u, 2);
+    } else {
+        at[0] = static_cast<unsigned char>(u & 0xFF);
+        at[1] = static_cast<unsigned char>(u >> 8);
+    }
 }
 
 void PutInt32(Bytes at, int32_t v) {
     const auto u = static_cast<uint32_t>(v);
-    for (int i = 0; i < 4; ++i) at[i] = static_cast<unsigned char>((u >> (8 * i)) & 0xFF);
+    if constexpr (HostIsLittleEndian) {
+        std::memcpy(at, &u, 4);
+    } else {
+        for (int i = 0; i < 4; ++i) at[i] = static_cast<unsigned char>((u >> (8 * i)) & 0xFF);
+    }
 }
 
 void PutSingle(Bytes at, float v) { PutInt32(at, static_cast<int32_t>(std::bit_cast<uint32_t>(v))); }
@@ -95,17 +107,21 @@ void PutPoint(Bytes at, const SinglePoint& p) {
 
 template <size_t Width>
 void PutText(Bytes at, const FixedText<Width>& text) {
-    for (size_t i = 0; i < Width; ++i) at[i] = static_cast<unsigned char>(text.Bytes[i]);
+    std::memcpy(at, text.Bytes.data(), Width);
 }
 
 int16_t GetInt16(ConstBytes at) {
-    const auto u = static_cast<uint16_t>(at[0] | (at[1] << 8));
+    uint16_t u = 0;
+    if constexpr (HostIsLittleEndian) std::memcpy(&u, at, 2);
+    else u = static_cast<uint16_t>(at[0] | (at[1] << 8));
     return static_cast<int16_t>(u);
 }
 
 uint32_t GetWord32(ConstBytes at) {
     uint32_t u = 0;
-    for (int i = 3; i >= 0; --i) u = (u << 8) | at[i];
+    if constexpr (HostIsLittleEndian) std::memcpy(&u, at, 4);
+    else
+        for (int i = 3; i >= 0; --i) u = (u << 8) | at[i];
     return u;
 }
 
@@ -117,7 +133,7 @@ SinglePoint GetPoint(ConstBytes at) { return SinglePoint{GetSingle(at), GetSingl
 
 template <size_t Width>
 void GetText(ConstBytes at, FixedText<Width>& text) {
-    for (size_t i = 0; i < Width; ++i) text.Bytes[i] = static_cast<char>(at[i]);
+    std::memcpy(text.Bytes.data(), at, Width);
 }
 
 void EncodeTool(Bytes at, const ToolSpec& tool) {
@@ -202,10 +218,14 @@ RecordBytes EncodeRecord(const DrawRecord& record) {
 }
 
 void DecodeRecord(std::string_view bytes, DrawRecord& record) {
-    RecordBytes full{};
-    const size_t n = bytes.size() < RecordLength ? bytes.size() : RecordLength;
-    for (size_t i = 0; i < n; ++i) full[i] = static_cast<unsigned char>(bytes[i]);
-    const ConstBytes b = full.data();
+    // A whole record is read where it lies; a short one from a copy with zeros behind it.
+    RecordBytes full;
+    ConstBytes b = reinterpret_cast<ConstBytes>(bytes.data());
+    if (bytes.size() < RecordLength) {
+        full.fill(0);
+        if (!bytes.empty()) std::memcpy(full.data(), bytes.data(), bytes.size());
+        b = full.data();
+    }
     record.EntityCode = GetInt16(b + EntityCodeOffset);
     GetText(b + EntityNameOffset, record.EntityName);
     GetText(b + EntityTextOffset, record.EntityText);
@@ -436,18 +456,32 @@ void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
 }
 
 void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
-    // Read in turn through the working file's buffer and written back in batches: one write of
-    // many records rather than one flushed write each.
+    // The records' bytes are copied as they stand, in batches: a record read and written again
+    // would give the same bytes, and one write of many records replaces one flushed write each.
+    // Records the working file does not hold (a count beyond its end) are written as zeros, as
+    // a read of them would give.
     constexpr int32_t Batch = 256;
-    std::vector<DrawRecord> records;
-    DrawRecord record;
+    FlushDrawing(temp);
+    RequireOpen(temp);
+    std::vector<unsigned char> bytes;
     for (int32_t first = 2; first <= newCount && first > 0; first += Batch) {
         const int32_t last = newCount - first < Batch ? newCount : first + Batch - 1;
-        records.resize(static_cast<size_t>(last - first + 1));
-        for (int32_t n = first; n <= last; ++n) ReadRecord(temp, n, records[static_cast<size_t>(n - first)]);
-        WriteRecords(source, first, records.data(), records.size());
+        const size_t size = static_cast<size_t>(last - first + 1) * RecordLength;
+        bytes.assign(size, 0);
+        std::FILE* f = temp.File.get();
+        temp.ReadPosition = -1;
+        if (::fseeko(f, RecordPosition(temp, first), SEEK_SET) != 0) FileFault("Cannot read file", temp.Path);
+        std::fread(bytes.data(), 1, size, f);
+        if (std::ferror(f)) {
+            std::clearerr(f);
+            FileFault("Cannot read file", temp.Path);
+        }
+        std::clearerr(f);
+        FlushDrawing(source);
+        WriteBytesAt(source, first, bytes.data(), size);
         if (last == INT32_MAX) break;
     }
+    DrawRecord record;
     ReadRecord(source, 1, record);
     record.RecordCount = newCount;
     WriteRecord(source, 1, record);
