@@ -167,25 +167,26 @@ LookupCacheScope::~LookupCacheScope() {
     }
 }
 
-void NoteFileMade(std::string_view path) {
+namespace {
+
+// A file made or gone at a path: FindPath's kept answers go, and a listing of its folder learns it.
+void NoteFileChange(std::string_view path, bool made) {
     if (!Caching()) return;
     LookupCache& cache = Cache();
     cache.Found.clear();
     std::string folder, name;
     if (!SplitName(NativePath(path), folder, name)) return;
     const auto it = cache.Folders.find(folder);
-    if (it != cache.Folders.end()) AddName(it->second, name, EntryKind::File);
+    if (it == cache.Folders.end()) return;
+    if (made) AddName(it->second, name, EntryKind::File);
+    else RemoveName(it->second, name);
 }
 
-void NoteFileGone(std::string_view path) {
-    if (!Caching()) return;
-    LookupCache& cache = Cache();
-    cache.Found.clear();
-    std::string folder, name;
-    if (!SplitName(NativePath(path), folder, name)) return;
-    const auto it = cache.Folders.find(folder);
-    if (it != cache.Folders.end()) RemoveName(it->second, name);
-}
+}  // namespace
+
+void NoteFileMade(std::string_view path) { NoteFileChange(path, true); }
+
+void NoteFileGone(std::string_view path) { NoteFileChange(path, false); }
 
 void NoteFoldersChanged() {
     if (!Caching()) return;
