@@ -257,6 +257,12 @@ DrawRecord DecodeRecord(std::string_view bytes) {
     return record;
 }
 
+std::vector<DrawRecord> DecodeRecords(std::string_view bytes) {
+    std::vector<DrawRecord> records((bytes.size() + RecordLength - 1) / RecordLength);
+    for (size_t i = 0; i < records.size(); ++i) DecodeRecord(bytes.substr(i * RecordLength, RecordLength), records[i]);
+    return records;
+}
+
 namespace {
 
 void RequireOpen(const DrawingFile& file) {

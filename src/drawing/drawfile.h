@@ -75,6 +75,8 @@ RecordBytes EncodeRecord(const DrawRecord& record);
 // looked at.
 void DecodeRecord(std::string_view bytes, DrawRecord& record);
 DrawRecord DecodeRecord(std::string_view bytes);
+// Every record of a drawing's bytes, in order; a partial last record as DecodeRecord reads it.
+std::vector<DrawRecord> DecodeRecords(std::string_view bytes);
 
 // A drawing file open for random access.
 struct DrawingFile {

@@ -32,11 +32,10 @@ constexpr const char* PartExtensions[] = {"dxf", "drg", "drw", "prg", "nts", "in
 // records on disk ends at the last of them.
 std::vector<DrawRecord> EntityRecords(DrawingFile& file, DrawRecord& header) {
     ReadRecord(file, 1, header);
-    const int32_t onDisk = RecordsOnDisk(file);
-    const int32_t last = header.RecordCount < onDisk ? header.RecordCount : onDisk;
     std::vector<DrawRecord> records;
-    if (last >= 2) records.resize(static_cast<size_t>(last - 1));
-    for (int32_t n = 2; n <= last; ++n) ReadRecord(file, n, records[static_cast<size_t>(n - 2)]);
+    WalkDrawing(file, [&records](int32_t n, DrawRecord& record) {
+        if (n >= 2) records.push_back(record);
+    });
     return records;
 }
 
@@ -229,13 +228,11 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
     WriteRecord(temp, ++made, header);
     ShowProgress("Processing Multipart(s)");
 
-    const int32_t onDisk = RecordsOnDisk(source);
-    const int32_t last = header.RecordCount < onDisk ? header.RecordCount : onDisk;
     bool partPresent = true;
     bool alternate = false;
-    DrawRecord record, copy;
-    for (int32_t n = 2; n <= last; ++n) {
-        ReadRecord(source, n, record);
+    DrawRecord copy;
+    WalkDrawing(source, [&](int32_t n, DrawRecord& record) {
+        if (n < 2) return;  // record 1 is in the working file already
         const int16_t code = record.EntityCode;
         if (code == 500) {
             alternate = record.Count[5] != 0;
@@ -248,7 +245,7 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
                 TurnPartForControl(state, partPath, record.Value[10]);
             }
         } else if (code == 510) {
-            if (!partPresent || !FileExists(partPath)) continue;
+            if (!partPresent || !FileExists(partPath)) return;
             const PartCopies layout = CopiesOfPart(record);
             DrawingFile partFile;
             OpenDrawing(partFile, partPath);
@@ -289,9 +286,8 @@ void MultipartExplode(RunState& state, const std::string& drawing) {
         } else if (code > 1 && code <= 1000) {
             WriteRecord(temp, ++made, record);
         }
-        SetProgress(static_cast<int>(static_cast<double>(n) / last * 100));
-    }
-    FlushDrawing(temp);
+        SetProgress(static_cast<int>(static_cast<double>(n) / header.RecordCount * 100));
+    });
     RewriteFromTemp(source, temp, made);
     CloseDrawing(temp);
     CloseDrawing(source);

@@ -37,36 +37,25 @@ std::vector<DrawRecord> ExampleDrawing(const std::string& example) {
     const std::string name = example + "/drawing.json";
     for (const EmbeddedFile& file : EmbeddedExamples()) {
         if (file.Path != name) continue;
-        const std::string bytes = DrawingFromJson(file.Bytes, name);
-        std::vector<DrawRecord> records;
-        for (size_t at = 0; at < bytes.size(); at += RecordLength)
-            records.push_back(DecodeRecord(std::string_view(bytes).substr(at, RecordLength)));
-        return records;
+        return DecodeRecords(DrawingFromJson(file.Bytes, name));
     }
     RunFault("No drawing of the example installation \"" + example + "\"");
 }
 
-// Records are written this many at a time.
-constexpr size_t GeneratedBatch = 1024;
-
-// Writes the header and the records that `make(i, record)` fills in for i from 0, in batches.
+// Writes the header and the records that `make(i, record)` fills in for i from 0, in batches
+// through the file's write-behind.
 template <typename Make>
 void WriteRecordsMade(const std::string& path, DrawRecord header, int32_t records, Make make) {
     DrawingFile file;
     MakeWorkingFile(file, path);
+    file.WriteBehind = true;
     header.RecordCount = records + 1;
     WriteRecord(file, 1, header);
-    std::vector<DrawRecord> batch;
-    batch.reserve(GeneratedBatch);
+    DrawRecord record;
     for (int32_t i = 0; i < records; ++i) {
-        batch.emplace_back();
-        make(i, batch.back());
-        if (batch.size() == GeneratedBatch || i + 1 == records) {
-            // Record i + 2 ends the batch.
-            const int32_t first = i + 2 - static_cast<int32_t>(batch.size()) + 1;
-            WriteRecords(file, first, batch.data(), batch.size());
-            batch.clear();
-        }
+        record = DrawRecord{};
+        make(i, record);
+        WriteRecord(file, i + 2, record);
     }
     CloseDrawing(file);
 }

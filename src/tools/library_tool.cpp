@@ -114,11 +114,7 @@ std::vector<DrawRecord> ReadJsonRecords(const std::string& path, bool& single) {
     const size_t first = text.find_first_not_of(" \t\r\n");
     single = first != std::string::npos && text[first] == '{';
     if (single) text = "[" + text + "]";
-    const std::string bytes = DrawingFromJson(text, path);
-    std::vector<DrawRecord> records;
-    for (size_t at = 0; at + RecordLength <= bytes.size(); at += RecordLength)
-        records.push_back(DecodeRecord(std::string_view(bytes).substr(at, RecordLength)));
-    return records;
+    return DecodeRecords(DrawingFromJson(text, path));
 }
 
 }  // namespace

@@ -28,11 +28,7 @@ int RunTorvanex(const std::string& dir, const std::string& arguments) {
 }
 
 std::vector<DrawRecord> ReadDrawing(const std::string& path) {
-    const std::string bytes = ReadAllBytes(path);
-    std::vector<DrawRecord> records;
-    for (size_t at = 0; at < bytes.size(); at += RecordLength)
-        records.push_back(DecodeRecord(std::string_view(bytes).substr(at, RecordLength)));
-    return records;
+    return DecodeRecords(ReadAllBytes(path));
 }
 
 bool Same(const SinglePoint& a, const SinglePoint& b) { return a.X == b.X && a.Y == b.Y; }
