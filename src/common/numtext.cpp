@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "common/fault.h"
 #include "common/numeric.h"
@@ -12,57 +13,96 @@
 namespace tvx {
 namespace {
 
-// Builds the plain text from the value's significant digits, rounded to `digits`.
-std::string PlainTextDigits(double value, int digits, int exponentLimit) {
-    if (std::isnan(value)) return " NaN";
-    if (std::isinf(value)) return value < 0 ? "-Inf" : " Inf";
-    if (value == 0) return " 0";
+// The longest plain text: a sign or blank, fifteen digits, a point, up to four zeros behind
+// it, and an exponent of up to three digits, with room to spare.
+constexpr size_t PlainTextRoom = 48;
+
+// Writes the plain text from the value's significant digits, rounded to `digits`, into `out`
+// (PlainTextRoom bytes); gives its length.
+size_t WritePlainTextDigits(char* out, double value, int digits, int exponentLimit) {
+    auto put = [&](const char* text) {
+        const size_t n = std::strlen(text);
+        std::memcpy(out, text, n);
+        return n;
+    };
+    if (std::isnan(value)) return put(" NaN");
+    if (std::isinf(value)) return put(value < 0 ? "-Inf" : " Inf");
+    if (value == 0) return put(" 0");
     // A whole number of no more digits than the form keeps is its own digits: written
     // directly, as the conversion below would give it.
     double limit = 1;
     for (int i = 0; i < digits; ++i) limit *= 10;
     if (std::fabs(value) < limit && value == std::trunc(value)) {
-        char whole[32];
-        const auto end = std::to_chars(whole, whole + sizeof whole, static_cast<long long>(std::fabs(value))).ptr;
-        std::string text(value < 0 ? "-" : " ");
-        text.append(whole, end);
-        return text;
+        out[0] = value < 0 ? '-' : ' ';
+        const auto end = std::to_chars(out + 1, out + PlainTextRoom, static_cast<long long>(std::fabs(value))).ptr;
+        return static_cast<size_t>(end - out);
     }
     // The digits as "%.*e" gives them, correctly rounded; to_chars is the same conversion
     // without the cost of the formatted-output machinery.
     char buffer[64];
-    const auto written = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, digits - 1);
+    const char* const written =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, digits - 1).ptr;
     // buffer: [-]d.ddddde[+-]xx
-    std::string text(buffer, written.ptr);
-    const bool negative = text[0] == '-';
-    if (negative) text.erase(0, 1);
-    const auto e = text.find('e');
-    std::string mantissa = text.substr(0, e);
-    const int exponent = std::atoi(text.c_str() + e + 1);
-    std::string significant;
-    for (char c : mantissa)
-        if (c != '.') significant += c;
-    while (significant.size() > 1 && significant.back() == '0') significant.pop_back();
+    const char* p = buffer;
+    const bool negative = *p == '-';
+    if (negative) ++p;
+    char significant[32];
+    size_t count = 0;
+    for (; p < written && *p != 'e'; ++p)
+        if (*p != '.') significant[count++] = *p;
+    while (count > 1 && significant[count - 1] == '0') --count;
+    int exponent = 0;
+    std::from_chars(p + 1 + (p[1] == '+' ? 1 : 0), written, exponent);
 
-    std::string body;
+    size_t n = 0;
+    out[n++] = negative ? '-' : ' ';
     if (exponent >= exponentLimit || exponent < -4) {
-        body = significant.substr(0, 1);
-        if (significant.size() > 1) body += "." + significant.substr(1);
+        out[n++] = significant[0];
+        if (count > 1) {
+            out[n++] = '.';
+            std::memcpy(out + n, significant + 1, count - 1);
+            n += count - 1;
+        }
         const int magnitude = exponent < 0 ? -exponent : exponent;
-        char exp[16];
-        std::snprintf(exp, sizeof exp, "E%c%02d", exponent < 0 ? '-' : '+', magnitude);
-        body += exp;
+        out[n++] = 'E';
+        out[n++] = exponent < 0 ? '-' : '+';
+        if (magnitude < 10) out[n++] = '0';
+        n = static_cast<size_t>(std::to_chars(out + n, out + PlainTextRoom, magnitude).ptr - out);
     } else if (exponent >= 0) {
         const size_t whole = static_cast<size_t>(exponent) + 1;
-        if (significant.size() <= whole) {
-            body = significant + std::string(whole - significant.size(), '0');
+        if (count <= whole) {
+            std::memcpy(out + n, significant, count);
+            n += count;
+            std::memset(out + n, '0', whole - count);
+            n += whole - count;
         } else {
-            body = significant.substr(0, whole) + "." + significant.substr(whole);
+            std::memcpy(out + n, significant, whole);
+            n += whole;
+            out[n++] = '.';
+            std::memcpy(out + n, significant + whole, count - whole);
+            n += count - whole;
         }
     } else {
-        body = "." + std::string(static_cast<size_t>(-exponent - 1), '0') + significant;
+        out[n++] = '.';
+        const size_t zeros = static_cast<size_t>(-exponent - 1);
+        std::memset(out + n, '0', zeros);
+        n += zeros;
+        std::memcpy(out + n, significant, count);
+        n += count;
     }
-    return (negative ? "-" : " ") + body;
+    return n;
+}
+
+std::string PlainTextDigits(double value, int digits, int exponentLimit) {
+    char text[PlainTextRoom];
+    return std::string(text, WritePlainTextDigits(text, value, digits, exponentLimit));
+}
+
+// The plain text without its leading blank.
+std::string BarePlainTextDigits(double value, int digits, int exponentLimit) {
+    char text[PlainTextRoom];
+    const size_t n = WritePlainTextDigits(text, value, digits, exponentLimit);
+    return text[0] == ' ' ? std::string(text + 1, n - 1) : std::string(text, n);
 }
 
 bool IsBlankForNumber(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -141,6 +181,12 @@ std::string FreeForm(std::string text) {
 
 std::string PlainText(double value) { return PlainTextDigits(value, 15, 15); }
 std::string PlainText(float value) { return PlainTextDigits(static_cast<double>(value), 7, 7); }
+std::string BarePlainText(double value) { return BarePlainTextDigits(value, 15, 15); }
+std::string BarePlainText(float value) { return BarePlainTextDigits(static_cast<double>(value), 7, 7); }
+void AppendPlainText(std::string& text, float value) {
+    char digits[PlainTextRoom];
+    text.append(digits, WritePlainTextDigits(digits, static_cast<double>(value), 7, 7));
+}
 std::string PlainText(int32_t value) {
     return (value < 0 ? "" : " ") + std::to_string(value);
 }
@@ -185,10 +231,18 @@ bool LeadingWholeNumber(std::string_view text, double& value) {
 
 double LeadingNumber(std::string_view text) {
     if (double whole = 0; LeadingWholeNumber(text, whole)) return whole;
-    std::string clean;
-    clean.reserve(text.size());
+    // The text without its blanks; a short one stays on the stack.
+    char shortClean[128];
+    std::string longClean;
+    char* cleanData = shortClean;
+    if (text.size() > sizeof shortClean) {
+        longClean.resize(text.size());
+        cleanData = longClean.data();
+    }
+    size_t cleanSize = 0;
     for (char c : text)
-        if (!IsBlankForNumber(c)) clean += c;
+        if (!IsBlankForNumber(c)) cleanData[cleanSize++] = c;
+    const std::string_view clean(cleanData, cleanSize);
 
     size_t i = 0;
     if (clean.size() >= 2 && clean[0] == '&') {
@@ -212,7 +266,9 @@ double LeadingNumber(std::string_view text) {
         return 0;
     }
 
+    // The number as strtod reads it: sign, digits, point, digits, and "e" with the exponent.
     std::string number;
+    number.reserve(clean.size() + 16);
     if (i < clean.size() && (clean[i] == '+' || clean[i] == '-')) number += clean[i++];
     size_t digits = 0;
     while (i < clean.size() && clean[i] >= '0' && clean[i] <= '9') { number += clean[i++]; ++digits; }
@@ -225,15 +281,25 @@ double LeadingNumber(std::string_view text) {
         const char e = static_cast<char>(UpperByte(static_cast<unsigned char>(clean[i])));
         if (e == 'E' || e == 'D') {
             size_t j = i + 1;
-            std::string exp = "e";
-            if (j < clean.size() && (clean[j] == '+' || clean[j] == '-')) exp += clean[j++];
+            const size_t mark = number.size();
+            number += 'e';
+            if (j < clean.size() && (clean[j] == '+' || clean[j] == '-')) number += clean[j++];
             size_t expDigits = 0;
             while (j < clean.size() && clean[j] >= '0' && clean[j] <= '9' && expDigits < 12) {
-                exp += clean[j++];
+                number += clean[j++];
                 ++expDigits;
             }
-            if (expDigits > 0) number += exp;
+            if (expDigits == 0) number.resize(mark);
         }
+    }
+    // The correctly rounded reading of the number; strtod tells an overflow, and reads what
+    // the quick reading leaves.
+    {
+        const char* first = number.data() + (number[0] == '+' ? 1 : 0);
+        const char* const last = number.data() + number.size();
+        double quick = 0;
+        const auto read = std::from_chars(first, last, quick);
+        if (read.ec == std::errc() && read.ptr == last) return quick;
     }
     errno = 0;
     const double v = std::strtod(number.c_str(), nullptr);
@@ -249,6 +315,20 @@ std::string NumberText(double value, int places) {
 std::string NumberText(float value, int places) {
     if (places < 0) return FreeForm(PlainText(value));
     return NumberTextWithPlaces(static_cast<double>(value), places);
+}
+
+double NumberThroughPlainText(float value) {
+    const double v = static_cast<double>(value);
+    if (!std::isfinite(v)) return LeadingNumber(PlainText(value));
+    // Seven digits hold every whole number below ten million: its text is its own digits.
+    if (v == std::trunc(v) && std::fabs(v) < 1e7) return v == 0 ? 0.0 : v;
+    // The plain text holds the seven significant digits of "%.6e"; read back, they are the
+    // double nearest to that decimal, as the correctly rounded reading of the text gives it.
+    char buffer[64];
+    const auto written = std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::scientific, 6);
+    double back = 0;
+    std::from_chars(buffer, written.ptr, back, std::chars_format::scientific);
+    return back;
 }
 
 std::string IntegerText(int16_t value) { return std::to_string(value); }
@@ -285,7 +365,13 @@ std::string GetExtension(std::string_view text) {
     return {};
 }
 
-std::string Trim(std::string_view text) { return TrimLeft(TrimRight(text)); }
+std::string Trim(std::string_view text) {
+    size_t b = 0;
+    size_t e = text.size();
+    while (b < e && text[b] == ' ') ++b;
+    while (e > b && text[e - 1] == ' ') --e;
+    return std::string(text.substr(b, e - b));
+}
 
 std::string TrimLeft(std::string_view text) {
     size_t b = 0;

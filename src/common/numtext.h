@@ -14,6 +14,15 @@ namespace tvx {
 std::string PlainText(double value);
 std::string PlainText(float value);
 std::string PlainText(int32_t value);
+// The plain text without its leading blank, as Trim(PlainText(value)) gives it.
+std::string BarePlainText(double value);
+std::string BarePlainText(float value);
+// Appends the plain text of a single, with its leading blank, to a text.
+void AppendPlainText(std::string& text, float value);
+
+// The number that the plain text of a single reads back as, LeadingNumber(PlainText(value)),
+// without making the text.
+double NumberThroughPlainText(float value);
 
 // The leading number of a text, 0 when there is none. Blanks, tabs and line ends anywhere
 // in the text are passed over; a sign, digits, a point, an exponent with E or D, and the

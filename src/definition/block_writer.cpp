@@ -111,11 +111,11 @@ void SearchStreamedWordLine(RunState& state, const std::string& word) {
 
 }  // namespace
 
-void SearchWordLine(RunState& state, const std::string& word) {
+int32_t SearchWordLine(RunState& state, const std::string& word) {
     EngineState& e = state.Engine;
     if (IsStreamed(e.WordInput)) {
         SearchStreamedWordLine(state, word);
-        return;
+        return -1;
     }
     DefinitionText& text = HeldTextOf(state, ChannelWord);
     TextInput& in = e.WordInput;
@@ -129,7 +129,7 @@ void SearchWordLine(RunState& state, const std::string& word) {
         if (stops.empty()) {
             if (text.LineCount() > 0) e.PostWordLine.assign(text.Line(text.LineCount() - 1));
             in.Pos = text.Data->size();
-            return;
+            return -1;
         }
         stop = stops.begin();
     }
@@ -138,6 +138,7 @@ void SearchWordLine(RunState& state, const std::string& word) {
     if (stop->Unparsable)
         RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
                  "\" of file " + state.Job.WordFile);
+    return stop->Line;
 }
 
 void EvaluateWord(RunState& state, std::string word) {
@@ -159,41 +160,46 @@ void EvaluateWord(RunState& state, std::string word) {
         textWanted = true;
         word.resize(dot);
     }
-    SearchWordLine(state, word);
+    int32_t lineNumber = SearchWordLine(state, word);
     TextInput& in = e.WordInput;
+    // A held word file gives each line's form once for the run; a streamed one is read anew.
+    DefinitionText* held = lineNumber >= 0 ? &HeldTextOf(state, ChannelWord) : nullptr;
+    WordLineForm streamed;
     PostValueType index = TextValue("");
+    std::string field;
 
     for (;;) {
-        std::string field;
         if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.WordFile);
-        std::string& line = e.PostWordLine;
-        ReadTagValue(state, line, index, e.PostValue, active);
+        const WordLineForm* form = nullptr;
+        if (held) {
+            form = &WordLineFormOf(*held, lineNumber);
+        } else {
+            streamed = ParseWordLine(e.PostWordLine);
+            form = &streamed;
+        }
+        if (form->WithIf) e.PostWordLine = form->Line;
+        ReadTagValue(state, *form, index, e.PostValue, active);
 
-        // "CALC=" also finds the same letters of "SETCALC=".
-        if (const size_t calc = line.find("CALC="); calc != std::string::npos) {
-            const size_t close = line.find(']', calc);
-            if (close == std::string::npos)
+        if (form->Calc) {
+            if (!form->CalcClosed)
                 PostAbort(state, "Reserved Word - end of CALC expression ] not found in file " + state.Job.WordFile);
-            std::string expression = line.substr(calc + 5, close - calc - 5);
-            SubstituteCalc(state, expression);
+            std::string expression;
+            SubstituteCalc(state, form->CalcPieces, expression);
             const std::optional<double> result = EvaluateCalc(state, expression);
             e.PostValue = result ? DoubleValue(*result) : TextValue("");
-            if (Holds(line, "NLZ") && result && *result < 0) e.PostValue = DoubleValue(0);
+            if (form->NLZ && result && *result < 0) e.PostValue = DoubleValue(0);
         }
 
-        const size_t format = line.find("[FORMAT=");
-        if (format != std::string::npos && !IsNoValue(e.PostValue)) {
-            const size_t close = line.find(']', format);
-            if (close == std::string::npos)
+        if (form->Format && !IsNoValue(e.PostValue)) {
+            if (!form->FormatClosed)
                 PostAbort(state, "Reserved Word - end of FORMAT expression ] not found in file " + state.Job.WordFile);
-            std::string formatText = line.substr(format + 8, close - format - 8);
-            ApplyFormat(state, formatText);
+            ApplyFormat(state, form->FormatOf);
         } else {
             e.FormatNOP = false;
             e.PostValue = TextValue(PlainNumberText(e.PostValue, word));
         }
 
-        if (Holds(line, "SETCALC=")) {
+        if (form->SetCalc) {
             if (e.TableLetter == "P") {
                 t.PostParam[CellNumber(index, "PostParam cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
             } else if (e.TableLetter == "M") {
@@ -208,16 +214,15 @@ void EvaluateWord(RunState& state, std::string word) {
         // NOP: the line computes and stores, and prints no number.
         if (e.FormatNOP) e.PostValue = TextValue(NoValueText);
 
+        field.clear();
         if (active && !textWanted) {
-            ReadConvText(state, line, field);
+            ReadConvText(state, *form, field);
             if (!IsNoValue(e.PostValue)) field += ValueAsText(e.PostValue);
-            std::string list;
-            ReadSetText(state, line, list);
-            if (!list.empty()) ExecuteSetList(state, list);
+            RunSetTag(state, *form);
         }
         if (active && textWanted) {
             std::string text;
-            ReadTextField(state, line, text);
+            ReadTextField(state, *form, text);
             e.PostLine += text;
             e.FieldTextAdded = true;
         }
@@ -240,6 +245,7 @@ void EvaluateWord(RunState& state, std::string word) {
         // The word's further lines follow directly, each with the word in column 1.
         if (AtEnd(in)) break;
         ReadLine(in, e.PostWordLine);
+        if (held) ++lineNumber;
         bool unparsable = false;
         if (!IsWordLine(e.PostWordLine, word, unparsable)) {
             if (unparsable)

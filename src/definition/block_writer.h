@@ -1,6 +1,7 @@
 #pragma once
 // The block line interpreter: body lines with tags become output lines, routed to the
 // program, the subroutine file, the second program file or the report.
+#include <cstdint>
 #include <string>
 
 namespace tvx {
@@ -13,7 +14,8 @@ void WriteReservedBlock(RunState& state);
 // Appends the output of one word of the .wrd to PostLine.
 void EvaluateWord(RunState& state, std::string word);
 // Finds the first line of a word in the .wrd from the rolling position, with one rewind to
-// the top; leaves it in PostWordLine and the file behind it.
-void SearchWordLine(RunState& state, const std::string& word);
+// the top; leaves it in PostWordLine and the file behind it. Gives the number of the line in
+// the held word file, or -1 for a word file read as a stream or a word not found.
+int32_t SearchWordLine(RunState& state, const std::string& word);
 
 }  // namespace tvx

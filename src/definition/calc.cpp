@@ -14,18 +14,16 @@ namespace {
 // The three table letters of an expression, in the order in which an operator resolves them.
 enum Reference { RefV = 0, RefP = 1, RefM = 2, RefCount = 3 };
 
-// The cell number of a reference: the leading number of the characters collected behind the
-// letter, rounded with halves to even. Nothing collected is cell 0.
-int32_t CellNumber(const std::string& digits) { return ToInteger32(LeadingNumber(digits), "cell number"); }
-
 // The plain text of the referenced cell, with its leading blank for a value that is not
-// negative. The text table V gives the plain text of its cell's leading number.
-std::string CellText(RunState& state, Reference reference, const std::string& digits) {
-    const int32_t cell = CellNumber(digits);
-    switch (reference) {
-        case RefP: return PlainText(state.Tables.PostParam[cell]);
-        case RefM: return PlainText(state.Tables.PostMachine[cell]);
-        default: return PlainText(ToSingle(LeadingNumber(state.Tables.PostUserText[cell])));
+// negative, appended to the text. The text table V gives the plain text of its cell's
+// leading number. The cell number is the leading number of the characters collected behind
+// the letter, rounded with halves to even; nothing collected is cell 0.
+void AppendCellText(RunState& state, char table, double cellNumber, std::string& text) {
+    const int32_t cell = ToInteger32(cellNumber, "cell number");
+    switch (table) {
+        case 'P': AppendPlainText(text, state.Tables.PostParam[cell]); break;
+        case 'M': AppendPlainText(text, state.Tables.PostMachine[cell]); break;
+        default: AppendPlainText(text, ToSingle(LeadingNumber(state.Tables.PostUserText[cell]))); break;
     }
 }
 
@@ -41,16 +39,24 @@ bool IsKeptCharacter(char c) { return IsDigitOrPoint(c) || IsCalcOperator(c); }
 
 }  // namespace
 
-void SubstituteCalc(RunState& state, std::string& expr) {
+std::vector<CalcPiece> ParseCalcSubstitution(const std::string& expr) {
     const std::string text = Upper(expr);
-    std::string result;
+    std::vector<CalcPiece> pieces;
     bool on[RefCount] = {false, false, false};
     // A buffer is emptied only when its reference is resolved: a reference that another letter
     // cuts off keeps its characters for the next reference of the same letter.
     std::string digits[RefCount];
+    constexpr char Letters[RefCount] = {'V', 'P', 'M'};
 
+    const auto literal = [&](char c) {
+        if (pieces.empty() || pieces.back().Table != 0) pieces.emplace_back();
+        pieces.back().Literal += c;
+    };
     const auto resolve = [&](int reference) {
-        result += CellText(state, static_cast<Reference>(reference), digits[reference]);
+        CalcPiece piece;
+        piece.Table = Letters[reference];
+        piece.Cell = LeadingNumber(digits[reference]);
+        pieces.push_back(std::move(piece));
         digits[reference].clear();
     };
 
@@ -69,15 +75,29 @@ void SubstituteCalc(RunState& state, std::string& expr) {
         }
         // While no reference is in progress the character itself stands in the result;
         // blanks of the expression are left out (those of a cell's text stay).
-        if (!on[RefV] && !on[RefP] && !on[RefM] && c != ' ') result += c;
+        if (!on[RefV] && !on[RefP] && !on[RefM] && c != ' ') literal(c);
     }
     for (int r = 0; r < RefCount; ++r)
         if (on[r]) resolve(r);
-    expr = result;
+    return pieces;
+}
+
+void SubstituteCalc(RunState& state, const std::vector<CalcPiece>& pieces, std::string& expr) {
+    expr.clear();
+    for (const CalcPiece& piece : pieces) {
+        if (piece.Table == 0) expr += piece.Literal;
+        else AppendCellText(state, piece.Table, piece.Cell, expr);
+    }
+}
+
+void SubstituteCalc(RunState& state, std::string& expr) {
+    const std::vector<CalcPiece> pieces = ParseCalcSubstitution(expr);
+    SubstituteCalc(state, pieces, expr);
 }
 
 std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
     std::string text;
+    text.reserve(expr.size());
     for (const char c : expr)
         if (IsKeptCharacter(c)) text += c;
 
@@ -122,7 +142,10 @@ std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
         // The operator cell of an operand holds the operator that follows that operand.
         char operators[2] = {0, 0};
         int count = 0;
-        std::string number;
+        // The number being read: a run of the text, as every character it takes follows the
+        // one before and the first character that it does not take ends it.
+        size_t numberStart = 0;
+        size_t numberLength = 0;
         bool inNumber = false;
         bool lastWasNumber = false;
 
@@ -130,7 +153,7 @@ std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
             const char c = text[i];
             bool stop = false;
             if (IsDigitOrPoint(c)) {
-                number += c;
+                if (numberLength++ == 0) numberStart = i;
                 inNumber = lastWasNumber = true;
             } else if (c == '-') {
                 if (lastWasNumber) {
@@ -139,7 +162,7 @@ std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
                 } else {
                     // A sign: it joins the number as a digit does ("--5" is the empty number
                     // minus 5, "5--2" is 5 minus -2).
-                    number += c;
+                    if (numberLength++ == 0) numberStart = i;
                     inNumber = lastWasNumber = true;
                 }
             } else if (c == '*' || c == '/' || c == '+') {
@@ -154,9 +177,9 @@ std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
             }
             if (i + 1 == text.size()) inNumber = false;
 
-            if (!number.empty() && !inNumber) {
-                const double value = LeadingNumber(number);
-                number.clear();
+            if (numberLength != 0 && !inNumber) {
+                const double value = LeadingNumber(std::string_view(text).substr(numberStart, numberLength));
+                numberLength = 0;
                 ++count;
                 if (count == 1) operand1 = value;
                 else operand2 = value;
@@ -188,6 +211,11 @@ std::optional<double> EvaluateCalc(RunState& state, const std::string& expr) {
         // exponent makes the value rounded to 5 decimals and its text made anew; the rounded
         // value is also what a last round returns. A round without any number puts back no
         // text at all: an empty group vanishes.
+        if (!grouped && operand1 && std::fabs(*operand1) < 9.9999999999999e14) {
+            // The last round: a value below 1E+15 has a free-form text without an exponent
+            // (a small value's exponent form reads as "0"), so it comes back as it is.
+            return operand1;
+        }
         std::string valueText;
         if (operand1) {
             valueText = NumberText(*operand1, -1);

@@ -5,6 +5,7 @@
 // expression as text. Definitions rely on exactly this, so it must stay as it is.
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tvx {
 
@@ -15,6 +16,17 @@ struct RunState;
 // cell's text, as a single. The expression comes back in upper case. A cell number beyond a
 // table's bound is a fault of the run.
 void SubstituteCalc(RunState& state, std::string& expr);
+
+// What the substitution makes of an expression, read once: a text that stands as it is, or
+// the plain text of a table cell ('V', 'P' or 'M', and the number read for its cell).
+struct CalcPiece {
+    char Table = 0;
+    std::string Literal;
+    double Cell = 0;
+};
+std::vector<CalcPiece> ParseCalcSubstitution(const std::string& expr);
+// Puts the pieces together with the cells' texts of now.
+void SubstituteCalc(RunState& state, const std::vector<CalcPiece>& pieces, std::string& expr);
 
 // The value of a substituted expression, or no value on a fault (unbalanced parentheses, a
 // division by zero) or for an expression without any number. A fault sets MathError, which

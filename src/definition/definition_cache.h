@@ -18,6 +18,8 @@
 
 namespace tvx {
 
+struct WordLineForm;
+
 // One line of the .wrd that a word search stops at: a word line of the word, or a line that
 // holds the word with no blank behind it, which cannot be parsed.
 struct WordStop {
@@ -35,6 +37,8 @@ struct DefinitionText {
     std::unordered_map<std::string, int32_t> FirstHolding;   // first line that holds the word
     std::unordered_map<std::string, int32_t> FirstCallable;  // ... and does not hold "CALL"
     std::unordered_map<std::string, std::vector<WordStop>> WordStops;
+    // The forms of the lines read as word lines, by line, made at their first use.
+    std::vector<std::shared_ptr<const WordLineForm>> Forms;
 
     int32_t LineCount() const { return static_cast<int32_t>(LineEnd.size()); }
     std::string_view Line(int32_t index) const {

@@ -11,14 +11,22 @@
 
 namespace tvx {
 
-std::string TagText(const std::string& line, size_t open, size_t openLength) {
-    const size_t close = line.find(']', open);
-    if (close == std::string::npos || close < open + openLength)
-        RunFault("Invalid procedure call: no ] behind \"" + line.substr(open, openLength) + "\" in the line: " + line);
-    return line.substr(open + openLength, close - open - openLength);
-}
-
 namespace {
+
+// The tag opened by `openLength` characters at `open` (npos: no such tag).
+LineTag FindTag(const std::string& line, size_t open, size_t openLength) {
+    LineTag tag;
+    if (open == std::string::npos) return tag;
+    tag.Present = true;
+    const size_t close = line.find(']', open);
+    if (close == std::string::npos || close < open + openLength) {
+        tag.Fault = "Invalid procedure call: no ] behind \"" + line.substr(open, openLength) + "\" in the line: " + line;
+        return tag;
+    }
+    tag.Closed = true;
+    tag.Inner = line.substr(open + openLength, close - open - openLength);
+    return tag;
+}
 
 bool IsSetTableLetter(char c) { return c == 'M' || c == 'P' || c == 'V'; }
 
@@ -33,61 +41,149 @@ bool TakeFormatFlag(std::string& format, const char* flag) {
 
 int32_t CellOfNumber(double number, const char* what) { return ToInteger32(number, what); }
 
+// "n=x" read into the cell's number and x's.
+void ParseParamEquals(const std::string& equation, double& cell, double& number) {
+    const size_t equals = equation.find('=');
+    const std::string cellText = equals == std::string::npos ? equation : equation.substr(0, equals);
+    std::string x;
+    if (equals != std::string::npos)
+        for (size_t i = equals + 1; i < equation.size(); ++i)
+            if (equation[i] != '=') x += equation[i];
+    cell = LeadingNumber(cellText);
+    number = LeadingNumber(x);
+}
+
+bool ParamEquals(RunState& state, double cell, double number) {
+    const int32_t n = CellOfNumber(cell, "PostParam cell");
+    return ToSingle(number) == state.Tables.PostParam[n];
+}
+
+void FormatTextValue(RunState& state, const WordLineForm& form) {
+    if (!form.Format) return;
+    if (!form.FormatClosed)
+        PostAbort(state, "Reserved Word - end of FORMAT expression ] not found in file " + state.Job.WordFile);
+    ApplyFormat(state, form.FormatOf);
+}
+
 }  // namespace
 
-void ReadTagValue(RunState& state, std::string& line, PostValueType& index, PostValueType& value, bool& active) {
-    EngineState& e = state.Engine;
-    ValueTables& t = state.Tables;
-    e.TextFromS.clear();
-    e.TextFromV.clear();
-    const bool notWhen = line.find("[NOTWHEN=") != std::string::npos;
-    const size_t ifAt = line.find("[IF M");
-    const bool withIf = ifAt != std::string::npos;
-    if (withIf) line.erase(ifAt + 1, 3);  // "[IF M4=1]" becomes "[M4=1]"
-    float savedMemo = 0;
+const std::string& TagInner(const LineTag& tag) {
+    if (!tag.Closed) RunFault(tag.Fault);
+    return tag.Inner;
+}
 
-    const size_t mAt = line.find("[M");
-    if (mAt != std::string::npos) {
-        e.TableLetter = "M";
-        const std::string inner = TagText(line, mAt, 2);
-        const size_t equals = inner.find('=');
-        if (equals != std::string::npos) {
-            index = DoubleValue(LeadingNumber(inner.substr(0, equals)));
-            value = TextValue(inner.substr(equals + 1));
-        } else {
-            index = DoubleValue(LeadingNumber(inner));
-            value = TextValue("VAL");
+FormatForm ParseFormat(const std::string& format) {
+    FormatForm f;
+    f.Whole = Upper(format);
+    std::string& rest = f.Rest;
+    rest = f.Whole;
+    f.NTZ = TakeFormatFlag(rest, "NTZ");
+    f.ABS = TakeFormatFlag(rest, "ABS");
+    f.NEG = TakeFormatFlag(rest, "NEG");
+    f.INV = TakeFormatFlag(rest, "INV");
+    f.Angle = TakeFormatFlag(rest, "ANG");
+    f.UpperCase = TakeFormatFlag(rest, "UCS");
+    f.NOP = TakeFormatFlag(rest, "NOP");
+    f.Plain = TakeFormatFlag(rest, "DOD");
+    f.Down = TakeFormatFlag(rest, "INT");
+    f.Up = TakeFormatFlag(rest, "RND");
+    f.Character = TakeFormatFlag(rest, "ASC");
+    const std::string_view r = rest;
+    if (const size_t maxAt = r.find("MAX"); maxAt != std::string::npos) {
+        f.HasMax = true;
+        f.MaxCount = LeadingNumber(maxAt + 4 <= r.size() ? r.substr(maxAt + 4) : std::string_view());
+    }
+    if (f.Character) {
+        const size_t open = r.find('(');
+        const size_t close = r.find(')');
+        if (open != std::string::npos && close != std::string::npos) {
+            f.HasCode = true;
+            f.CodeReversed = close < open;
+            if (!f.CodeReversed) f.Code = LeadingNumber(r.substr(open + 1, close - open - 1));
         }
-        const int32_t n = CellNumber(index, "PostMachine cell");
-        savedMemo = t.PostMemo[n];
-        if (value.Text == "VAL") {
-            const float difference = t.PostMachine[n] - t.PostMemo[n];
-            if (RoundTo(static_cast<double>(difference), 3) != 0) {
-                t.PostMemo[n] = t.PostMachine[n];
-                value = SingleValue(t.PostMachine[n]);
-                active = true;
-            } else {
-                value = NoValue();
-                active = false;
-            }
+    }
+    std::string_view decimalsText = "-1";
+    std::string_view padText = "-1";
+    const size_t dAt = r.find('D');
+    const size_t pAt = r.find('P');
+    if (dAt != std::string::npos && pAt != std::string::npos) {
+        if (dAt < pAt) {
+            decimalsText = r.substr(dAt + 1, pAt - dAt - 1);
+            padText = r.substr(pAt + 1);
         } else {
-            const double x = LeadingNumber(value.Text);
-            value = DoubleValue(x);
-            if (!withIf) {
-                if (static_cast<double>(t.PostMemo[n]) == x) {
-                    active = false;
-                } else {
-                    t.PostMemo[n] = ToSingle(x);
-                    value = NoValue();
-                    active = true;
-                }
-            } else if (t.PostMachine[n] != t.PostMemo[n] && static_cast<double>(t.PostMachine[n]) == x) {
-                t.PostMemo[n] = ToSingle(x);
-                value = NoValue();
-                active = true;
-            } else {
-                active = false;
+            padText = r.substr(pAt + 1, dAt - pAt - 1);
+            decimalsText = r.substr(dAt + 1);
+        }
+    } else if (dAt != std::string::npos) {
+        decimalsText = r.substr(dAt + 1);
+    } else if (pAt != std::string::npos) {
+        padText = r.substr(pAt + 1);
+    }
+    f.Decimals = LeadingNumber(decimalsText);
+    f.Pad = LeadingNumber(padText);
+    return f;
+}
+
+std::vector<SetAssignment> ParseSetList(const std::string& list) {
+    std::vector<SetAssignment> assignments;
+    int step = 0;
+    SetAssignment a;
+    std::string targetCell;
+    std::string source;
+
+    // An assignment is complete when the letter of the next one comes, and at the end.
+    auto complete = [&] {
+        if (a.SourceLetter != 0) a.SourceCell = LeadingNumber(source);
+        else a.SourceNumber = LeadingNumber(source);
+        a.TargetCell = LeadingNumber(targetCell);
+        assignments.push_back(a);
+        a = SetAssignment{};
+        targetCell.clear();
+        source.clear();
+    };
+
+    for (size_t i = 0; i < list.size(); ++i) {
+        const char c = list[i];
+        if (IsSetTableLetter(c)) {
+            ++step;
+            if (step == 4) {
+                complete();
+                step = 1;
             }
+            if (step == 1) a.TargetLetter = c;
+            else if (step == 3) a.SourceLetter = c;
+        } else if (c == '=') {
+            const std::string next = i + 1 < list.size() ? Upper(list.substr(i + 1, 1)) : std::string();
+            step += (next == "M" || next == "V" || next == "P") ? 1 : 2;
+        } else if (step == 1) {
+            targetCell += c;
+        } else if (step == 3) {
+            source += c;
+        }
+    }
+    complete();
+    return assignments;
+}
+
+WordLineForm ParseWordLine(const std::string& text) {
+    WordLineForm f;
+    f.Line = text;
+    std::string& line = f.Line;
+    f.NotWhen = line.find("[NOTWHEN=") != std::string::npos;
+    const size_t ifAt = line.find("[IF M");
+    f.WithIf = ifAt != std::string::npos;
+    if (f.WithIf) line.erase(ifAt + 1, 3);  // "[IF M4=1]" becomes "[M4=1]"
+
+    if (const size_t mAt = line.find("[M"); mAt != std::string::npos) {
+        f.Kind = WordLineForm::Table::M;
+        f.Tag = FindTag(line, mAt, 2);
+        if (f.Tag.Closed) {
+            const std::string_view inner = f.Tag.Inner;
+            const size_t equals = inner.find('=');
+            const std::string_view valueText = equals != std::string::npos ? inner.substr(equals + 1) : "VAL";
+            f.Index = LeadingNumber(equals != std::string::npos ? inner.substr(0, equals) : inner);
+            f.MachineValue = valueText == "VAL";
+            f.MachineNumber = LeadingNumber(valueText);
         }
     } else {
         const size_t vAt = line.find("[V");
@@ -95,46 +191,148 @@ void ReadTagValue(RunState& state, std::string& line, PostValueType& index, Post
         size_t sAt = line.find("[S");
         if (vAt != std::string::npos && sAt != std::string::npos && sAt > vAt) sAt = std::string::npos;
         if (pAt != std::string::npos) {
-            e.TableLetter = "P";
-            const std::string inner = TagText(line, pAt, 2);
-            if (inner.find('=') == std::string::npos) {
-                index = DoubleValue(LeadingNumber(inner));
-                value = SingleValue(t.PostParam[CellNumber(index, "PostParam cell")]);
-                active = true;
+            f.Kind = WordLineForm::Table::P;
+            f.Tag = FindTag(line, pAt, 2);
+            if (f.Tag.Closed) {
+                f.ParamEquals = f.Tag.Inner.find('=') != std::string::npos;
+                if (f.ParamEquals) ParseParamEquals(f.Tag.Inner, f.ParamCell, f.ParamNumber);
+                else f.Index = LeadingNumber(f.Tag.Inner);
+            }
+        } else {
+            f.Kind = WordLineForm::Table::SV;
+            f.STag = FindTag(line, sAt, 2);
+            f.VTag = FindTag(line, vAt, 2);
+        }
+    }
+    if (f.NotWhen) f.NotWhenTag = FindTag(line, line.find("[NOTWHEN="), 9);
+
+    // "CALC=" also finds the same letters of "SETCALC=".
+    if (const size_t calc = line.find("CALC="); calc != std::string::npos) {
+        f.Calc = true;
+        const size_t close = line.find(']', calc);
+        f.CalcClosed = close != std::string::npos;
+        if (f.CalcClosed) {
+            f.CalcExpression = line.substr(calc + 5, close - calc - 5);
+            f.CalcPieces = ParseCalcSubstitution(f.CalcExpression);
+        }
+    }
+    f.NLZ = Holds(line, "NLZ");
+    if (const size_t format = line.find("[FORMAT="); format != std::string::npos) {
+        f.Format = true;
+        const size_t close = line.find(']', format);
+        f.FormatClosed = close != std::string::npos;
+        if (f.FormatClosed) f.FormatOf = ParseFormat(line.substr(format + 8, close - format - 8));
+    }
+    f.SetCalc = Holds(line, "SETCALC=");
+    const size_t conv = line.find("[CONV=");
+    f.Conv = conv != std::string::npos;
+    f.ConvTag = FindTag(line, conv, 6);
+    const size_t set = line.find("[SET=");
+    f.Set = set != std::string::npos;
+    f.SetTag = FindTag(line, set, 5);
+    if (f.SetTag.Closed && !f.SetTag.Inner.empty()) f.SetList = ParseSetList(f.SetTag.Inner);
+    const size_t textAt = line.find("[TEXT=");
+    f.Text = textAt != std::string::npos;
+    f.TextTag = FindTag(line, textAt, 6);
+    return f;
+}
+
+const WordLineForm& WordLineFormOf(DefinitionText& text, int32_t line) {
+    if (text.Forms.empty()) text.Forms.resize(static_cast<size_t>(text.LineCount()));
+    std::shared_ptr<const WordLineForm>& form = text.Forms[static_cast<size_t>(line)];
+    if (!form) form = std::make_shared<const WordLineForm>(ParseWordLine(std::string(text.Line(line))));
+    return *form;
+}
+
+void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& index, PostValueType& value, bool& active) {
+    EngineState& e = state.Engine;
+    ValueTables& t = state.Tables;
+    e.TextFromS.clear();
+    e.TextFromV.clear();
+    float savedMemo = 0;
+
+    switch (form.Kind) {
+        case WordLineForm::Table::M: {
+            e.TableLetter = "M";
+            TagInner(form.Tag);
+            index = DoubleValue(form.Index);
+            const int32_t n = CellNumber(index, "PostMachine cell");
+            savedMemo = t.PostMemo[n];
+            if (form.MachineValue) {
+                const float difference = t.PostMachine[n] - t.PostMemo[n];
+                if (RoundTo(static_cast<double>(difference), 3) != 0) {
+                    t.PostMemo[n] = t.PostMachine[n];
+                    value = SingleValue(t.PostMachine[n]);
+                    active = true;
+                } else {
+                    value = NoValue();
+                    active = false;
+                }
             } else {
-                index = TextValue(inner);
-                if (TestParamEquals(state, inner)) {
+                const double x = form.MachineNumber;
+                value = DoubleValue(x);
+                if (!form.WithIf) {
+                    if (static_cast<double>(t.PostMemo[n]) == x) {
+                        active = false;
+                    } else {
+                        t.PostMemo[n] = ToSingle(x);
+                        value = NoValue();
+                        active = true;
+                    }
+                } else if (t.PostMachine[n] != t.PostMemo[n] && static_cast<double>(t.PostMachine[n]) == x) {
+                    t.PostMemo[n] = ToSingle(x);
                     value = NoValue();
                     active = true;
                 } else {
                     active = false;
                 }
             }
-        } else {
-            if (sAt != std::string::npos) {
+            break;
+        }
+        case WordLineForm::Table::P: {
+            e.TableLetter = "P";
+            const std::string& inner = TagInner(form.Tag);
+            if (!form.ParamEquals) {
+                index = DoubleValue(form.Index);
+                value = SingleValue(t.PostParam[CellNumber(index, "PostParam cell")]);
+                active = true;
+            } else {
+                index = TextValue(inner);
+                if (ParamEquals(state, form.ParamCell, form.ParamNumber)) {
+                    value = NoValue();
+                    active = true;
+                } else {
+                    active = false;
+                }
+            }
+            break;
+        }
+        case WordLineForm::Table::SV:
+            if (form.STag.Present) {
                 e.TableLetter = "S";
-                index = TextValue(TagText(line, sAt, 2));
+                index = TextValue(TagInner(form.STag));
                 const int32_t n = CellNumber(index, "PostText cell");
                 value = TextValue(t.PostText[n]);
-                FormatTextValue(state);
+                FormatTextValue(state, form);
                 e.TextFromS = ValueAsText(value);
                 value = NoValue();
                 if (n == 25 || n == 26 || n == 27) t.PostText[n].clear();
             }
-            if (vAt != std::string::npos) {
+            if (form.VTag.Present) {
                 e.TableLetter = "V";
-                index = TextValue(TagText(line, vAt, 2));
+                index = TextValue(TagInner(form.VTag));
                 const int32_t n = CellNumber(index, "PostUserText cell");
                 value = TextValue(t.PostUserText[n]);
-                FormatTextValue(state);
+                FormatTextValue(state, form);
                 e.TextFromV = ValueAsText(value);
                 value = NoValue();
             }
-        }
+            break;
+        case WordLineForm::Table::None: break;
     }
 
-    if (notWhen) {
-        const std::string list = TagText(line, line.find("[NOTWHEN="), 9);
+    if (form.NotWhen) {
+        const std::string& list = TagInner(form.NotWhenTag);
         bool changed = false;
         AnyMachineChanged(state, list, changed);
         active = changed;
@@ -145,14 +343,10 @@ void ReadTagValue(RunState& state, std::string& line, PostValueType& index, Post
 }
 
 bool TestParamEquals(RunState& state, const std::string& equation) {
-    const size_t equals = equation.find('=');
-    const std::string cellText = equals == std::string::npos ? equation : equation.substr(0, equals);
-    std::string numberText = equals == std::string::npos ? std::string() : equation.substr(equals + 1);
-    std::string x;
-    for (char c : numberText)
-        if (c != '=') x += c;
-    const int32_t n = CellOfNumber(LeadingNumber(cellText), "PostParam cell");
-    return ToSingle(LeadingNumber(x)) == state.Tables.PostParam[n];
+    double cell = 0;
+    double number = 0;
+    ParseParamEquals(equation, cell, number);
+    return ParamEquals(state, cell, number);
 }
 
 void AnyMachineChanged(RunState& state, const std::string& list, bool& result) {
@@ -172,51 +366,39 @@ void AnyMachineChanged(RunState& state, const std::string& list, bool& result) {
     test();
 }
 
-void FormatTextValue(RunState& state) {
-    const std::string& line = state.Engine.PostWordLine;
-    const size_t at = line.find("[FORMAT=");
-    if (at == std::string::npos) return;
-    const size_t close = line.find(']', at);
-    if (close == std::string::npos)
-        PostAbort(state, "Reserved Word - end of FORMAT expression ] not found in file " + state.Job.WordFile);
-    std::string format = line.substr(at + 8, close - at - 8);
-    ApplyFormat(state, format);
+void ApplyFormat(RunState& state, std::string& format) {
+    const FormatForm form = ParseFormat(format);
+    format = form.Rest;
+    ApplyFormat(state, form);
 }
 
-void ApplyFormat(RunState& state, std::string& format) {
+void ApplyFormat(RunState& state, const FormatForm& form) {
     EngineState& e = state.Engine;
     PostValueType& value = e.PostValue;
-    format = Upper(format);
-    const std::string whole = format;
+    const std::string& whole = form.Whole;
     // Names the format in the message of a fault.
     const std::string_view what = whole;
-    if (TakeFormatFlag(format, "NTZ")) e.FormatNTZ = true;
-    if (TakeFormatFlag(format, "ABS")) e.FormatABS = true;
-    if (TakeFormatFlag(format, "NEG")) e.FormatNEG = true;
-    if (TakeFormatFlag(format, "INV")) e.FormatINV = true;
-    const bool angle = TakeFormatFlag(format, "ANG");
-    const bool upper = TakeFormatFlag(format, "UCS");
-    if (TakeFormatFlag(format, "NOP")) e.FormatNOP = true;
-    const bool plain = TakeFormatFlag(format, "DOD");
-    const bool down = TakeFormatFlag(format, "INT");
-    const bool up = TakeFormatFlag(format, "RND");
-    const bool character = TakeFormatFlag(format, "ASC");
-    const size_t maxAt = format.find("MAX");
+    if (form.NTZ) e.FormatNTZ = true;
+    if (form.ABS) e.FormatABS = true;
+    if (form.NEG) e.FormatNEG = true;
+    if (form.INV) e.FormatINV = true;
+    if (form.NOP) e.FormatNOP = true;
+    const bool angle = form.Angle;
+    const bool upper = form.UpperCase;
+    const bool plain = form.Plain;
+    const bool down = form.Down;
+    const bool up = form.Up;
 
     if (upper) {
         value = TextValue(Upper(ValueAsText(value)));
         if (whole == "UCS") return;
     }
-    if (character) {
-        const size_t open = format.find('(');
-        const size_t close = format.find(')');
-        if (open != std::string::npos && close != std::string::npos) {
-            if (close < open) RunFault("Invalid procedure call: format " + whole);
-            int32_t code = 0;
-            if (!RoundsIntoInt32(LeadingNumber(format.substr(open + 1, close - open - 1)), code) || code < 0 || code > 255)
-                RunFault("Invalid procedure call: no character of the code in format " + whole);
-            value = TextValue(std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
-        }
+    if (form.Character && form.HasCode) {
+        if (form.CodeReversed) RunFault("Invalid procedure call: format " + whole);
+        int32_t code = 0;
+        if (!RoundsIntoInt32(form.Code, code) || code < 0 || code > 255)
+            RunFault("Invalid procedure call: no character of the code in format " + whole);
+        value = TextValue(std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
     }
     if (value.Type == PostValueType::Kind::Text && value.Text.empty()) value = DoubleValue(0);
 
@@ -239,31 +421,14 @@ void ApplyFormat(RunState& state, std::string& format) {
         store(std::floor(v) == v ? v : std::floor(v) + 1);
     }
 
-    std::string decimalsText = "-1";
-    std::string padText = "-1";
-    const size_t dAt = format.find('D');
-    const size_t pAt = format.find('P');
-    if (dAt != std::string::npos && pAt != std::string::npos) {
-        if (dAt < pAt) {
-            decimalsText = format.substr(dAt + 1, pAt - dAt - 1);
-            padText = format.substr(pAt + 1);
-        } else {
-            padText = format.substr(pAt + 1, dAt - pAt - 1);
-            decimalsText = format.substr(dAt + 1);
-        }
-    } else if (dAt != std::string::npos) {
-        decimalsText = format.substr(dAt + 1);
-    } else if (pAt != std::string::npos) {
-        padText = format.substr(pAt + 1);
-    }
-    const double decimals = LeadingNumber(decimalsText);
+    const double decimals = form.Decimals;
     if (decimals != -1) {
         const int32_t places = ToInteger32(decimals, "format");
         const PostValueType& n = number();
         value = TextValue(n.Type == PostValueType::Kind::Single ? NumberText(static_cast<float>(n.Number), places)
                                                                  : NumberText(n.Number, places));
     }
-    const double pad = LeadingNumber(padText);
+    const double pad = form.Pad;
     if (pad != -1) {
         const std::string text = ValueAsText(value);
         const size_t point = text.find('.');
@@ -272,20 +437,18 @@ void ApplyFormat(RunState& state, std::string& format) {
         value = TextValue(PadLong(whole32, ToInteger32(pad, "format")) + kept);
     }
     value = TextValue(TrimLeft(ValueAsText(value)));
-    if (maxAt != std::string::npos) {
-        const std::string countText = maxAt + 4 <= format.size() ? format.substr(maxAt + 4) : std::string();
-        const int32_t count = ToInteger32(LeadingNumber(countText), "format");
+    if (form.HasMax) {
+        const int32_t count = ToInteger32(form.MaxCount, "format");
         if (count < 0) RunFault("Invalid procedure call: format " + whole);
         if (value.Text.size() > static_cast<size_t>(count)) value.Text.resize(static_cast<size_t>(count));
     }
     if (plain) value = TextValue(NumberText(ValueAsNumber(value, what), -1));
 }
 
-void ReadConvText(RunState& state, const std::string& line, std::string& field) {
+void ReadConvText(RunState& state, const WordLineForm& form, std::string& field) {
     EngineState& e = state.Engine;
-    const size_t at = line.find("[CONV=");
-    if (at == std::string::npos) PostAbort(state, line + " : CONV= not found in definition");
-    field = TagText(line, at, 6);
+    if (!form.Conv) PostAbort(state, form.Line + " : CONV= not found in definition");
+    field = TagInner(form.ConvTag);
     if (field == "*") field.clear();
     if (!e.TextFromS.empty()) {
         field = e.TextFromS;
@@ -297,40 +460,34 @@ void ReadConvText(RunState& state, const std::string& line, std::string& field) 
     }
 }
 
-void ReadSetText(RunState&, const std::string& line, std::string& list) {
-    const size_t at = line.find("[SET=");
-    list = at == std::string::npos ? std::string() : TagText(line, at, 5);
+void RunSetTag(RunState& state, const WordLineForm& form) {
+    if (!form.Set || TagInner(form.SetTag).empty()) return;
+    ExecuteSetList(state, form.SetList);
 }
 
-void ReadTextField(RunState& state, const std::string& line, std::string& text) {
-    const size_t at = line.find("[TEXT=");
-    if (at == std::string::npos) PostAbort(state, line + " : [TEXT= not found in definition");
-    text = TagText(line, at, 6);
+void ReadTextField(RunState& state, const WordLineForm& form, std::string& text) {
+    if (!form.Text) PostAbort(state, form.Line + " : [TEXT= not found in definition");
+    text = TagInner(form.TextTag);
 }
 
-void ExecuteSetList(RunState& state, const std::string& list) {
+void ExecuteSetList(RunState& state, const std::string& list) { ExecuteSetList(state, ParseSetList(list)); }
+
+void ExecuteSetList(RunState& state, const std::vector<SetAssignment>& list) {
     ValueTables& t = state.Tables;
-    int step = 0;
-    char targetLetter = 0;
-    char sourceLetter = 0;
-    std::string targetCell;
-    std::string source;
     int32_t lastMemo = 0;
-
-    auto carryOut = [&] {
-        std::string sourceText = source;
-        if (sourceLetter != 0) {
-            const int32_t n = CellOfNumber(LeadingNumber(source), "SET source cell");
-            if (sourceLetter == 'M') sourceText = PlainText(t.PostMachine[n]);
-            else if (sourceLetter == 'P') sourceText = PlainText(t.PostParam[n]);
-            else sourceText = t.PostUserText[n];
+    for (const SetAssignment& a : list) {
+        double v = a.SourceNumber;
+        if (a.SourceLetter != 0) {
+            const int32_t n = CellOfNumber(a.SourceCell, "SET source cell");
+            if (a.SourceLetter == 'M') v = NumberThroughPlainText(t.PostMachine[n]);
+            else if (a.SourceLetter == 'P') v = NumberThroughPlainText(t.PostParam[n]);
+            else v = LeadingNumber(t.PostUserText[n]);
         }
-        const double v = LeadingNumber(sourceText);
-        if (targetLetter != 0) {
-            const int32_t n = CellOfNumber(LeadingNumber(targetCell), "SET target cell");
-            if (targetLetter == 'V') {
+        if (a.TargetLetter != 0) {
+            const int32_t n = CellOfNumber(a.TargetCell, "SET target cell");
+            if (a.TargetLetter == 'V') {
                 t.PostUserText[n] = TrimLeft(PlainText(v));
-            } else if (targetLetter == 'P') {
+            } else if (a.TargetLetter == 'P') {
                 t.PostParam[n] = ToSingle(v);
             } else {
                 t.PostMemo[n] = ToSingle(v);
@@ -338,32 +495,7 @@ void ExecuteSetList(RunState& state, const std::string& list) {
                 lastMemo = n;
             }
         }
-        targetLetter = 0;
-        sourceLetter = 0;
-        targetCell.clear();
-        source.clear();
-    };
-
-    for (size_t i = 0; i < list.size(); ++i) {
-        const char c = list[i];
-        if (IsSetTableLetter(c)) {
-            ++step;
-            if (step == 4) {
-                carryOut();
-                step = 1;
-            }
-            if (step == 1) targetLetter = c;
-            else if (step == 3) sourceLetter = c;
-        } else if (c == '=') {
-            const std::string next = i + 1 < list.size() ? Upper(list.substr(i + 1, 1)) : std::string();
-            step += (next == "M" || next == "V" || next == "P") ? 1 : 2;
-        } else if (step == 1) {
-            targetCell += c;
-        } else if (step == 3) {
-            source += c;
-        }
     }
-    carryOut();
     t.PostMemo[lastMemo] = ToSingle(RoundTo(static_cast<double>(t.PostMemo[lastMemo]), 4));
 }
 
