@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "common/fault.h"
 #include "common/numeric.h"
@@ -141,30 +142,33 @@ int32_t SearchWordLine(RunState& state, const std::string& word) {
     return stop->Line;
 }
 
-void EvaluateWord(RunState& state, std::string word) {
+void EvaluateWord(RunState& state, const std::string& tag) {
     EngineState& e = state.Engine;
     ValueTables& t = state.Tables;
-    if (e.RenumberMode && !Holds(word, "BLOCK_NUMBER")) {
+    if (e.RenumberMode && !Holds(tag, "BLOCK_NUMBER")) {
         // Evaluated in the normal pass already: copied as it stands.
-        e.PostLine += "[" + word + "]";
+        e.PostLine += '[';
+        e.PostLine += tag;
+        e.PostLine += ']';
         return;
     }
     bool active = true;
-    bool textWanted = false;
     e.FieldTextAdded = false;
     e.FormatNTZ = false;
     e.FormatNEG = false;
     e.FormatABS = false;
     e.FormatINV = false;
-    if (const size_t dot = word.find(".text"); dot != std::string::npos) {
-        textWanted = true;
-        word.resize(dot);
-    }
+    // "WORD.text" asks for the text of the word's lines.
+    const size_t dot = tag.find(".text");
+    const bool textWanted = dot != std::string::npos;
+    std::string cut;
+    if (textWanted) cut = tag.substr(0, dot);
+    const std::string& word = textWanted ? cut : tag;
     int32_t lineNumber = SearchWordLine(state, word);
     TextInput& in = e.WordInput;
     // A held word file gives each line's form once for the run; a streamed one is read anew.
     DefinitionText* held = lineNumber >= 0 ? &HeldTextOf(state, ChannelWord) : nullptr;
-    WordLineForm streamed;
+    std::optional<WordLineForm> streamed;
     PostValueType index = TextValue("");
     std::string field;
 
@@ -175,7 +179,7 @@ void EvaluateWord(RunState& state, std::string word) {
             form = &WordLineFormOf(*held, lineNumber);
         } else {
             streamed = ParseWordLine(e.PostWordLine);
-            form = &streamed;
+            form = &*streamed;
         }
         if (form->WithIf) e.PostWordLine = form->Line;
         ReadTagValue(state, *form, index, e.PostValue, active);

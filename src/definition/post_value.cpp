@@ -81,8 +81,8 @@ bool IsNumericText(std::string_view text) {
 std::string ValueAsText(const PostValueType& value) {
     switch (value.Type) {
         case PostValueType::Kind::Text: return value.Text;
-        case PostValueType::Kind::Single: return TrimLeft(PlainText(static_cast<float>(value.Number)));
-        case PostValueType::Kind::Double: return TrimLeft(PlainText(value.Number));
+        case PostValueType::Kind::Single: return BarePlainText(static_cast<float>(value.Number));
+        case PostValueType::Kind::Double: return BarePlainText(value.Number);
     }
     return value.Text;
 }
@@ -100,8 +100,8 @@ PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view wh
 }
 
 std::string PlainNumberText(const PostValueType& value, std::string_view what) {
-    if (value.Type == PostValueType::Kind::Single) return TrimLeft(PlainText(static_cast<float>(value.Number)));
-    return TrimLeft(PlainText(ValueAsNumber(value, what)));
+    if (value.Type == PostValueType::Kind::Single) return BarePlainText(static_cast<float>(value.Number));
+    return BarePlainText(ValueAsNumber(value, what));
 }
 
 int32_t CellNumber(const PostValueType& index, std::string_view what) {

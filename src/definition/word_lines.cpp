@@ -436,7 +436,13 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
         const int32_t whole32 = TruncToInteger32(ValueAsNumber(value, what), "format");
         value = TextValue(PadLong(whole32, ToInteger32(pad, "format")) + kept);
     }
-    value = TextValue(TrimLeft(ValueAsText(value)));
+    if (value.Type == PostValueType::Kind::Text) {
+        size_t blanks = 0;
+        while (blanks < value.Text.size() && value.Text[blanks] == ' ') ++blanks;
+        value.Text.erase(0, blanks);
+    } else {
+        value = TextValue(ValueAsText(value));
+    }
     if (form.HasMax) {
         const int32_t count = ToInteger32(form.MaxCount, "format");
         if (count < 0) RunFault("Invalid procedure call: format " + whole);
