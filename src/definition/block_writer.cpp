@@ -60,11 +60,17 @@ void RouteLine(RunState& state) {
     EngineState& e = state.Engine;
     const ValueTables& t = state.Tables;
     std::string& line = e.PostLine;
-    line = Trim(line);
-    const std::string notSign(1, '\xAC');
-    if (line == notSign && e.RenumberMode) line = std::string(1, '\0');
+    // Trimmed in place.
+    size_t end = line.size();
+    while (end > 0 && line[end - 1] == ' ') --end;
+    line.resize(end);
+    size_t blanks = 0;
+    while (blanks < line.size() && line[blanks] == ' ') ++blanks;
+    line.erase(0, blanks);
+    const bool notSign = line.size() == 1 && line[0] == '\xAC';
+    if (notSign && e.RenumberMode) line.assign(1, '\0');
     if (t.PostParam[9] == 100.0f) {
-        if (line == notSign) line = std::string(1, '\0');
+        if (notSign) line.assign(1, '\0');
         if (!line.empty()) WriteLine(e.PlatinoOutput, line);
     } else if (t.PostParam[80] == 1.0f || !e.SubroutineOutput) {
         if (!line.empty()) WriteLine(e.ProgramOutput, line);
@@ -204,13 +210,13 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         }
 
         if (form->SetCalc) {
-            if (e.TableLetter == "P") {
+            if (e.TableLetter == 'P') {
                 t.PostParam[CellNumber(index, "PostParam cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
-            } else if (e.TableLetter == "M") {
+            } else if (e.TableLetter == 'M') {
                 t.PostMachine[CellNumber(index, "PostMachine cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
-            } else if (e.TableLetter == "V") {
+            } else if (e.TableLetter == 'V') {
                 t.PostVar[CellNumber(index, "PostVar cell")] = ToSingle(ValueAsNumber(e.PostValue, word));
-            } else if (e.TableLetter == "S") {
+            } else if (e.TableLetter == 'S') {
                 t.PostText[CellNumber(index, "PostText cell")] = ValueAsText(e.PostValue);
             }
         }

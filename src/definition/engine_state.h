@@ -61,7 +61,7 @@ struct EngineState {
     int PostChannel = ChannelDefinition;
 
     // Word lines.
-    std::string TableLetter;  // "M", "P", "S" or "V" of the last table tag
+    char TableLetter = 0;  // 'M', 'P', 'S' or 'V' of the last table tag, 0 before the first
     std::string TextFromS;
     std::string TextFromV;
     bool FormatNTZ = false;

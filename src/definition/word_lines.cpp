@@ -253,7 +253,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
 
     switch (form.Kind) {
         case WordLineForm::Table::M: {
-            e.TableLetter = "M";
+            e.TableLetter = 'M';
             TagInner(form.Tag);
             index = DoubleValue(form.Index);
             const int32_t n = CellNumber(index, "PostMachine cell");
@@ -290,7 +290,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
             break;
         }
         case WordLineForm::Table::P: {
-            e.TableLetter = "P";
+            e.TableLetter = 'P';
             const std::string& inner = TagInner(form.Tag);
             if (!form.ParamEquals) {
                 index = DoubleValue(form.Index);
@@ -309,7 +309,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
         }
         case WordLineForm::Table::SV:
             if (form.STag.Present) {
-                e.TableLetter = "S";
+                e.TableLetter = 'S';
                 index = TextValue(TagInner(form.STag));
                 const int32_t n = CellNumber(index, "PostText cell");
                 value = TextValue(t.PostText[n]);
@@ -319,7 +319,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
                 if (n == 25 || n == 26 || n == 27) t.PostText[n].clear();
             }
             if (form.VTag.Present) {
-                e.TableLetter = "V";
+                e.TableLetter = 'V';
                 index = TextValue(TagInner(form.VTag));
                 const int32_t n = CellNumber(index, "PostUserText cell");
                 value = TextValue(t.PostUserText[n]);
