@@ -193,9 +193,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         if (form->Calc) {
             if (!form->CalcClosed)
                 PostAbort(state, "Reserved Word - end of CALC expression ] not found in file " + state.Job.WordFile);
-            std::string expression;
-            SubstituteCalc(state, form->CalcPieces, expression);
-            const std::optional<double> result = EvaluateCalc(state, expression);
+            const std::optional<double> result = EvaluateCalc(state, form->CalcOf);
             e.PostValue = result ? DoubleValue(*result) : TextValue("");
             if (form->NLZ && result && *result < 0) e.PostValue = DoubleValue(0);
         }

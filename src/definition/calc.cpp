@@ -1,6 +1,7 @@
 #include "definition/calc.h"
 
 #include <cmath>
+#include <iterator>
 #include <cstdint>
 
 #include "common/fault.h"
@@ -88,6 +89,108 @@ void SubstituteCalc(RunState& state, const std::vector<CalcPiece>& pieces, std::
         if (piece.Table == 0) expr += piece.Literal;
         else AppendCellText(state, piece.Table, piece.Cell, expr);
     }
+}
+
+namespace {
+
+bool IsChainOperator(char c) { return c == '/' || c == '*' || c == '-' || c == '+'; }
+
+// The terms of an expression that is a plain chain; false for any other.
+bool ChainTerms(const std::vector<CalcPiece>& pieces, std::vector<CalcTerm>& terms) {
+    terms.clear();
+    bool wantOperand = true;  // an operand is due, not an operator
+    char pendingOperator = 0;
+    for (const CalcPiece& piece : pieces) {
+        if (piece.Table != 0) {
+            if (!wantOperand) return false;
+            terms.push_back(CalcTerm{pendingOperator, piece.Table, piece.Cell, 0});
+            wantOperand = false;
+            continue;
+        }
+        const std::string& text = piece.Literal;
+        for (size_t i = 0; i < text.size();) {
+            const char c = text[i];
+            if (IsDigitOrPoint(c)) {
+                if (!wantOperand) return false;
+                size_t end = i;
+                while (end < text.size() && IsDigitOrPoint(text[end])) ++end;
+                terms.push_back(CalcTerm{pendingOperator, 0, 0, LeadingNumber(std::string_view(text).substr(i, end - i))});
+                wantOperand = false;
+                i = end;
+            } else if (IsChainOperator(c)) {
+                // An operator where an operand is due is a sign: not a plain chain.
+                if (wantOperand) return false;
+                pendingOperator = c;
+                wantOperand = true;
+                ++i;
+            } else {
+                return false;
+            }
+        }
+    }
+    return !terms.empty() && !wantOperand;
+}
+
+// The number that a cell's text reads as in the evaluator, or false when its text takes an
+// exponent (or may: the range is kept safely inside the one of the plain form).
+bool ChainCellValue(RunState& state, const CalcTerm& term, double& value) {
+    const int32_t cell = ToInteger32(term.Cell, "cell number");
+    float single = 0;
+    switch (term.Table) {
+        case 'P': single = state.Tables.PostParam[cell]; break;
+        case 'M': single = state.Tables.PostMachine[cell]; break;
+        default: single = ToSingle(LeadingNumber(state.Tables.PostUserText[cell])); break;
+    }
+    const double magnitude = std::fabs(static_cast<double>(single));
+    if (single != 0 && (magnitude < 1e-4 || magnitude >= 9999999.0)) return false;
+    value = NumberThroughPlainText(single);
+    return true;
+}
+
+}  // namespace
+
+CalcForm ParseCalc(const std::string& expr) {
+    CalcForm form;
+    form.Pieces = ParseCalcSubstitution(expr);
+    form.Chain = ChainTerms(form.Pieces, form.Terms);
+    return form;
+}
+
+std::optional<double> EvaluateCalc(RunState& state, const CalcForm& form) {
+    if (form.Chain) {
+        // The cells are read first, in the order of the substitution, which also reads every
+        // cell before any operator is worked.
+        double values[16];
+        const size_t count = form.Terms.size();
+        bool plain = count <= std::size(values);
+        for (size_t i = 0; plain && i < count; ++i) {
+            const CalcTerm& term = form.Terms[i];
+            values[i] = term.Number;
+            if (term.Table != 0 && !ChainCellValue(state, term, values[i])) plain = false;
+        }
+        double result = 0;
+        for (size_t i = 0; plain && i < count; ++i) {
+            const double value = values[i];
+            switch (form.Terms[i].Operator) {
+                case 0: result = value; break;
+                case '+': result += value; break;
+                case '-': result -= value; break;
+                case '*': result *= value; break;
+                default:
+                    if (value == 0) {
+                        state.Engine.MathError = true;
+                        return std::nullopt;
+                    }
+                    result /= value;
+                    break;
+            }
+            if (!std::isfinite(result)) plain = false;
+        }
+        if (plain && std::fabs(result) < 9.9999999999999e14) return result;
+    }
+    std::string expr;
+    SubstituteCalc(state, form.Pieces, expr);
+    return EvaluateCalc(state, expr);
 }
 
 void SubstituteCalc(RunState& state, std::string& expr) {

@@ -213,7 +213,7 @@ WordLineForm ParseWordLine(const std::string& text) {
         f.CalcClosed = close != std::string::npos;
         if (f.CalcClosed) {
             f.CalcExpression = line.substr(calc + 5, close - calc - 5);
-            f.CalcPieces = ParseCalcSubstitution(f.CalcExpression);
+            f.CalcOf = ParseCalc(f.CalcExpression);
         }
     }
     f.NLZ = Holds(line, "NLZ");

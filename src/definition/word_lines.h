@@ -73,7 +73,7 @@ struct WordLineForm {
     bool Calc = false;
     bool CalcClosed = false;
     std::string CalcExpression;
-    std::vector<CalcPiece> CalcPieces;  // what its substitution puts together
+    CalcForm CalcOf;
     bool NLZ = false;
     bool Format = false;
     bool FormatClosed = false;

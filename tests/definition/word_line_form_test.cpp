@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <cmath>
+#include <optional>
+
 #include "common/fault.h"
 #include "common/numeric.h"
 #include "common/numtext.h"
@@ -27,9 +30,10 @@ TEST(WordLineForm, ReadsTheTableTagAndTheRestOfTheLine) {
     EXPECT_EQ(f.MachineNumber, 2);
     EXPECT_TRUE(f.Calc);
     EXPECT_EQ(f.CalcExpression, "P1+1");
-    ASSERT_EQ(f.CalcPieces.size(), 2u);
-    EXPECT_EQ(f.CalcPieces[0].Table, 'P');
-    EXPECT_EQ(f.CalcPieces[1].Literal, "+1");
+    ASSERT_EQ(f.CalcOf.Pieces.size(), 2u);
+    EXPECT_EQ(f.CalcOf.Pieces[0].Table, 'P');
+    EXPECT_EQ(f.CalcOf.Pieces[1].Literal, "+1");
+    EXPECT_TRUE(f.CalcOf.Chain);
     EXPECT_TRUE(f.NLZ);
     EXPECT_TRUE(f.FormatOf.NTZ);
     EXPECT_EQ(f.FormatOf.Decimals, 3);
@@ -192,4 +196,78 @@ RC_GTEST_PROP(WordLineForm, HeldAndStreamedWordFilesEvaluateAlike, ()) {
         outcomes.push_back(o);
     }
     RC_ASSERT(outcomes[0] == outcomes[1]);
+}
+
+namespace {
+
+// The outcome of an expression: its value, the math error flag, or the fault it ends in.
+struct CalcOutcome {
+    std::optional<double> Value;
+    bool MathError = false;
+    std::string End;
+    bool operator==(const CalcOutcome& other) const {
+        const bool sameValue = Value.has_value() == other.Value.has_value() &&
+                               (!Value || *Value == *other.Value || (std::isnan(*Value) && std::isnan(*other.Value)));
+        return sameValue && MathError == other.MathError && End == other.End;
+    }
+};
+
+void FillCells(RunState& state, const std::vector<float>& values) {
+    for (size_t i = 0; i < values.size(); ++i) {
+        state.Tables.PostParam[i] = values[i];
+        state.Tables.PostMachine[i] = values[values.size() - 1 - i];
+        state.Tables.PostUserText[i] = PlainText(values[(i * 3) % values.size()]);
+    }
+}
+
+}  // namespace
+
+RC_GTEST_PROP(CalcChain, ChainWorkedOnItsTermsGivesWhatItsTextGives, ()) {
+    std::string expr;
+    for (int i = *rc::gen::inRange(1, 8); i > 0; --i)
+        expr += *rc::gen::element<std::string>("P1", "P2", "M3", "V4", "P5", "p6", "2", "0.5", ".25", "1.5.2", "+", "-",
+                                               "*", "/", "+", "*", "(", ")", " ", "X", "P99999", "M", "P1M2");
+    const auto values = *rc::gen::container<std::vector<float>>(
+        8, rc::gen::element<float>(0.0f, -0.0f, 1.0f, -2.5f, 0.001f, 12.75f, 3e-5f, 1e8f, -9999999.0f, 2e20f, 1e38f,
+                                   0.1f, 7.0f));
+    RC_CLASSIFY(ParseCalc(expr).Chain, "chain");
+    std::vector<CalcOutcome> outcomes;
+    for (bool byTerms : {true, false}) {
+        RunState state;
+        FillCells(state, values);
+        CalcOutcome o;
+        o.End = EngineRig::EndText([&] {
+            if (byTerms) {
+                o.Value = EvaluateCalc(state, ParseCalc(expr));
+            } else {
+                std::string text = expr;
+                SubstituteCalc(state, text);
+                o.Value = EvaluateCalc(state, text);
+            }
+        });
+        o.MathError = state.Engine.MathError;
+        outcomes.push_back(o);
+    }
+    RC_ASSERT(outcomes[0] == outcomes[1]);
+}
+
+TEST(CalcChain, PlainChainsAreKeptAsTerms) {
+    EXPECT_TRUE(ParseCalc("P204+P20").Chain);
+    EXPECT_TRUE(ParseCalc("p205 + 1").Chain);
+    EXPECT_TRUE(ParseCalc("2*M3/V1-.5").Chain);
+    EXPECT_FALSE(ParseCalc("-P1").Chain);      // a sign
+    EXPECT_FALSE(ParseCalc("(P1+2)").Chain);   // a group
+    EXPECT_FALSE(ParseCalc("2P1").Chain);      // a number that runs into a cell's text
+    EXPECT_FALSE(ParseCalc("P1+").Chain);      // an operator without its operand
+    EXPECT_FALSE(ParseCalc("P1+X").Chain);     // a letter the evaluator drops
+    EXPECT_FALSE(ParseCalc("").Chain);
+}
+
+TEST(CalcChain, CellWithAnExponentTextGoesTheWayOfTheText) {
+    // 1E+08 reads as "1+08" in the evaluator: 1 + 8 + 1.
+    RunState state;
+    state.Tables.PostParam[1] = 1e8f;
+    const auto v = EvaluateCalc(state, ParseCalc("P1+1"));
+    ASSERT_TRUE(v.has_value());
+    EXPECT_EQ(*v, 10.0);
 }
