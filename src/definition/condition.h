@@ -3,6 +3,8 @@
 // with a number or another table value; there is no "and" or "or".
 #include <string>
 
+#include "definition/condition_form.h"
+
 namespace tvx {
 
 struct RunState;
@@ -14,5 +16,13 @@ struct RunState;
 // the single, so 100.00001 equals 100. A cell number beyond a table's bound is a fault of
 // the run.
 bool EvaluateCondition(RunState& state, std::string& line);
+
+// Reads a condition line into its form.
+ConditionForm ParseCondition(const std::string& line);
+
+// The truth of a condition's form, as EvaluateCondition gives it for its line.
+bool EvaluateCondition(RunState& state, const ConditionForm& form);
+// Reads a reserved-word line into its truth.
+TruthForm ParseTruth(const std::string& line);
 
 }  // namespace tvx

@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "common/textfile.h"
+#include "definition/condition_form.h"
 #include "definition/definition_cache.h"
 
 namespace tvx {
@@ -83,6 +85,10 @@ struct EngineState {
     TextOutput SubroutineFile;    // 17 written: "progsubs.sub"
     TextOutput PlatinoOutput;     // 18: the second program file
     TextInput LayoutInput;        // the layout file's own channel
+
+    // The truths of reserved-word lines met, by the line's text (up to TruthsKept of them).
+    std::unordered_map<std::string, TruthForm> Truths;
+    static constexpr size_t TruthsKept = 4096;
 
     // Definition files held in memory, and the held text that each open input channel reads.
     DefinitionCache Cache;

@@ -9,13 +9,18 @@
 namespace tvx {
 
 bool LineTruth(RunState& state, const std::string& line) {
-    bool result = false;
-    if (Holds(line, "=TRUE")) result = true;
-    if (Holds(line, "=TRUE IF")) {
-        std::string condition = line;
-        result = EvaluateCondition(state, condition);
+    auto& truths = state.Engine.Truths;
+    TruthForm fresh;
+    const TruthForm* form = nullptr;
+    if (const auto known = truths.find(line); known != truths.end()) {
+        form = &known->second;
+    } else if (truths.size() < EngineState::TruthsKept) {
+        form = &truths.emplace(line, ParseTruth(line)).first->second;
+    } else {
+        fresh = ParseTruth(line);
+        form = &fresh;
     }
-    return result;
+    return form->Conditional ? EvaluateCondition(state, form->Condition) : form->True;
 }
 
 bool FindReservedWord(RunState& state, const std::string& word) {

@@ -8,6 +8,8 @@
 
 #include "common/fault.h"
 #include "common/numtext.h"
+#include "definition/engine_rig.h"
+#include "definition/reserved_word.h"
 #include "state/run_state.h"
 
 using namespace tvx;
@@ -270,4 +272,51 @@ RC_GTEST_PROP(ConditionProperty, CellEqualsItsSevenDigitText, ()) {
     state.Tables.PostParam[cell] = value;
     std::string line = "X=TRUE IF [P" + LongText(cell) + "=" + Trim(PlainText(value)) + "]";
     RC_ASSERT(EvaluateCondition(state, line));
+}
+
+// A plain comparison compared as numbers gives what its text gives.
+RC_GTEST_PROP(ConditionForm, PlainComparisonGivesWhatItsTextGives, ()) {
+    std::string condition;
+    for (int i = *rc::gen::inRange(1, 6); i > 0; --i)
+        condition += *rc::gen::element<std::string>("P1", "M2", "V3", "p4", "P9999", " ", "=", "<", ">", "<>", "<=",
+                                                    ">=", "=<", "3", "1.5", "X", "VAL", "-2", "P1M2", "1E3");
+    const std::string line = "B=TRUE IF [" + condition + "]";
+    const auto values = *rc::gen::container<std::vector<float>>(
+        6, rc::gen::element<float>(0.0f, 1.0f, 1.5f, -2.0f, 3.0f, 100.00001f, 1e8f, 2e-6f, 1000.0f));
+    ConditionForm form = ParseCondition(line);
+    RC_CLASSIFY(form.Plain, "plain");
+    std::vector<std::string> outcomes;
+    for (bool plain : {true, false}) {
+        RunState state;
+        for (size_t i = 0; i < values.size(); ++i) {
+            state.Tables.PostParam[i] = values[i];
+            state.Tables.PostMachine[i] = values[(i + 1) % values.size()];
+            state.Tables.PostVar[i] = values[(i + 2) % values.size()];
+        }
+        form.Plain = form.Plain && plain;
+        bool truth = false;
+        const std::string end = EngineRig::EndText([&] { truth = EvaluateCondition(state, form); });
+        outcomes.push_back(end + (truth ? "T" : "F"));
+    }
+    RC_ASSERT(outcomes[0] == outcomes[1]);
+}
+
+TEST(ConditionForm, SingleComparisonOfCellsAndNumbersIsPlain) {
+    EXPECT_TRUE(ParseCondition("A=TRUE IF [P9=11]").Plain);
+    EXPECT_TRUE(ParseCondition("A=TRUE IF [ M3 <> P4 ]").Plain);
+    EXPECT_TRUE(ParseCondition("A=TRUE IF [P1>=VAL]").Plain);
+    EXPECT_FALSE(ParseCondition("A=TRUE IF [P1<P2=3]").Plain);  // two comparisons
+    EXPECT_FALSE(ParseCondition("A=TRUE IF [2P1=3]").Plain);    // a number that runs into a cell's text
+    EXPECT_FALSE(ParseCondition("A=TRUE IF [=<3]").Plain);      // no comparison of its own
+}
+
+TEST(LineTruth, ConditionOfALineMetAgainIsEvaluatedAnew) {
+    RunState state;
+    state.Tables.PostParam[9] = 11;
+    EXPECT_TRUE(LineTruth(state, "A=TRUE IF [P9=11]"));
+    state.Tables.PostParam[9] = 12;
+    EXPECT_FALSE(LineTruth(state, "A=TRUE IF [P9=11]"));
+    EXPECT_TRUE(LineTruth(state, "A=TRUE"));
+    EXPECT_FALSE(LineTruth(state, "A=FALSE"));
+    EXPECT_EQ(state.Engine.Truths.size(), 3u);
 }
