@@ -110,6 +110,26 @@ void SkipLineEnd(TextInput& in) {
 
 bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
 
+// The first line end (CR or LF) in [from, size) of the bytes, or size. Eight bytes are looked
+// at together while none of them can be a line end.
+size_t FindLineEnd(const char* bytes, size_t from, size_t size) {
+    constexpr uint64_t Ones = 0x0101010101010101ull;
+    constexpr uint64_t Highs = 0x8080808080808080ull;
+    size_t i = from;
+    while (i + 8 <= size) {
+        uint64_t word = 0;
+        std::memcpy(&word, bytes + i, sizeof word);
+        const uint64_t lf = word ^ (Ones * '\n');
+        const uint64_t cr = word ^ (Ones * '\r');
+        // A byte of zero in either marks a line end among the eight (or, never missing one, a
+        // byte behind it): the bytes are then looked at one by one.
+        if ((((lf - Ones) & ~lf) | ((cr - Ones) & ~cr)) & Highs) break;
+        i += 8;
+    }
+    while (i < size && !IsLineEnd(bytes[i])) ++i;
+    return i;
+}
+
 // A line of a stream, which may run over any number of buffers.
 void ReadStreamLine(TextInput& in, std::string& line) {
     line.clear();
@@ -118,7 +138,7 @@ void ReadStreamLine(TextInput& in, std::string& line) {
         any = true;
         const char* begin = in.Buffer.data() + (in.Pos - in.BufferStart);
         const char* end = in.Buffer.data() + in.Buffer.size();
-        const char* stop = std::find_if(begin, end, IsLineEnd);
+        const char* stop = begin + FindLineEnd(begin, 0, static_cast<size_t>(end - begin));
         line.append(begin, stop);
         in.Pos += static_cast<size_t>(stop - begin);
         if (stop != end) break;
@@ -135,8 +155,7 @@ void ReadLine(TextInput& in, std::string& line) {
         ReadStreamLine(in, line);
     } else {
         const std::string& d = *in.Data;
-        size_t end = in.Pos;
-        while (end < d.size() && !IsLineEnd(d[end])) ++end;
+        const size_t end = FindLineEnd(d.data(), in.Pos, d.size());
         line.assign(d, in.Pos, end - in.Pos);
         in.Pos = end;
     }

@@ -1,6 +1,7 @@
 #include "common/textfile.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <filesystem>
 
@@ -113,4 +114,26 @@ TEST(TextOutput, AtomicWriteLeavesNoTemporary) {
     WriteFileAtomically(dir.Path + "/job.prg", "N1\r\n");
     EXPECT_EQ(ReadAllBytes(dir.Path + "/job.prg"), "N1\r\n");
     EXPECT_EQ(ListFiles(dir.Path, "*").size(), 1u);
+}
+
+// Line ends are found among bytes that look like them (0x0B, 0x0C, 0x0E, 0x8A, 0x8D) at any
+// place, also in the middle of a run of eight: the lines are those a byte-by-byte split gives.
+RC_GTEST_PROP(TextInput, LinesAreSplitAtEveryLineEndAndNowhereElse, ()) {
+    const std::string text = *rc::gen::container<std::string>(
+        rc::gen::element<char>('a', ' ', '\r', '\n', '\x0B', '\x0C', '\x0E', '\x8A', '\x8D', '\0', 'z'));
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < text.size();) {
+        size_t end = i;
+        while (end < text.size() && text[end] != '\r' && text[end] != '\n') ++end;
+        expected.push_back(text.substr(i, end - i));
+        i = end;
+        if (i < text.size() && text[i] == '\r') ++i;
+        else if (i < text.size()) { ++i; continue; }
+        if (i < text.size() && text[i] == '\n' && text[i - 1] == '\r') ++i;
+    }
+    TextInput in;
+    OpenTextInputFromData(in, "bytes.txt", std::make_shared<const std::string>(text));
+    std::vector<std::string> lines;
+    while (!AtEnd(in)) lines.push_back(ReadLine(in));
+    RC_ASSERT(lines == expected);
 }
