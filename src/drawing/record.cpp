@@ -137,7 +137,10 @@ std::string_view TrimmedView(const FixedText<Width>& text) {
 
 }  // namespace
 
-bool SameToolName(const ToolSpec& a, const ToolSpec& b) { return TrimmedView(a.ToolName) == TrimmedView(b.ToolName); }
+bool SameToolName(const ToolSpec& a, const ToolSpec& b) {
+    // Two names of the same bytes, as a record and the tool in work mostly are, need no trimming.
+    return a.ToolName.Bytes == b.ToolName.Bytes || TrimmedView(a.ToolName) == TrimmedView(b.ToolName);
+}
 
 bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
 
