@@ -38,6 +38,8 @@ struct FolderListing {
 
 struct LookupCache {
     int Scopes = 0;
+    // Moved on by every change that a kept answer may depend on (LookupGeneration).
+    uint64_t Generation = 1;
     std::unordered_map<std::string, FolderListing> Folders;  // by folder, as FolderKey gives it
     std::unordered_map<std::string, std::string> Found;      // FindPath's answers, by native path
 };
@@ -157,10 +159,14 @@ std::string FindPathUncached(const std::string& native);
 
 }  // namespace
 
-LookupCacheScope::LookupCacheScope() { ++Cache().Scopes; }
+LookupCacheScope::LookupCacheScope() {
+    ++Cache().Scopes;
+    ++Cache().Generation;
+}
 
 LookupCacheScope::~LookupCacheScope() {
     LookupCache& cache = Cache();
+    ++cache.Generation;
     if (--cache.Scopes == 0) {
         cache.Folders.clear();
         cache.Found.clear();
@@ -173,6 +179,7 @@ namespace {
 void NoteFileChange(std::string_view path, bool made) {
     if (!Caching()) return;
     LookupCache& cache = Cache();
+    ++cache.Generation;
     cache.Found.clear();
     std::string folder, name;
     if (!SplitName(NativePath(path), folder, name)) return;
@@ -190,9 +197,12 @@ void NoteFileGone(std::string_view path) { NoteFileChange(path, false); }
 
 void NoteFoldersChanged() {
     if (!Caching()) return;
+    ++Cache().Generation;
     Cache().Folders.clear();
     Cache().Found.clear();
 }
+
+uint64_t LookupGeneration() { return Caching() ? Cache().Generation : 0; }
 
 std::string FindPath(std::string_view path) {
     const std::string native = NativePath(path);

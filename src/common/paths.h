@@ -1,6 +1,7 @@
 #pragma once
 // Files and paths. Paths in the system's files use '\'; '\' and '/' are both separators here.
 // A name that does not exist exactly is found without regard to case.
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,12 @@ void NoteFileMade(std::string_view path);
 void NoteFileGone(std::string_view path);
 // Folders made: what was learned of folders is dropped.
 void NoteFoldersChanged();
+// A number that moves on whenever an answer of the kept lookups may change: with every file
+// noted as made or gone, with folders made, and when a scope opens or closes. 0 while no scope
+// is open: then nothing is kept, and an answer a caller remembers holds only for the moment it
+// was asked. A caller that remembers an answer together with this number may use it again for
+// as long as the number is the same and not 0.
+uint64_t LookupGeneration();
 bool DirectoryExists(std::string_view path);
 // Copies a file, overwriting; a missing source is the file fault.
 void CopyFileTo(std::string_view source, std::string_view destination);

@@ -312,23 +312,29 @@ void CloseDrawing(DrawingFile& file) {
 
 bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
 
-void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
+size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes) {
     RequireOpen(file);
     FlushDrawing(file);
     const off_t position = RecordPosition(file, number);
     std::FILE* f = file.File.get();
-    char buffer[RecordLength];
     size_t got = 0;
     const bool inTurn = file.ReadPosition == static_cast<int64_t>(position);
     file.ReadPosition = -1;
-    if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = std::fread(buffer, 1, RecordLength, f);
+    if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = std::fread(bytes.data(), 1, RecordLength, f);
     if (got == RecordLength) file.ReadPosition = static_cast<int64_t>(position) + static_cast<int64_t>(RecordLength);
     if (std::ferror(f)) {
         std::clearerr(f);
         FileFault("Cannot read file", file.Path);
     }
     std::clearerr(f);
-    DecodeRecord(std::string_view(buffer, got), record);
+    if (got < RecordLength) std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), 0);
+    return got;
+}
+
+void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
+    RecordBytes bytes;
+    ReadRecordBytes(file, number, bytes);
+    DecodeRecord(std::string_view(reinterpret_cast<const char*>(bytes.data()), RecordLength), record);
 }
 
 DrawRecord ReadRecord(DrawingFile& file, int32_t number) {
@@ -365,8 +371,7 @@ void FlushDrawing(DrawingFile& file) {
     file.Held.swap(run);  // the next run reuses the room
 }
 
-void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
-    const RecordBytes bytes = EncodeRecord(record);
+void WriteRecordBytes(DrawingFile& file, int32_t number, const RecordBytes& bytes) {
     if (!file.WriteBehind) {
         WriteBytesAt(file, number, bytes.data(), RecordLength);
         return;
@@ -388,6 +393,22 @@ void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
     file.Held.insert(file.Held.end(), bytes.begin(), bytes.end());
     if (file.Held.size() >= WriteBehindRecords * RecordLength) FlushDrawing(file);
 }
+
+void WriteRecord(DrawingFile& file, int32_t number, const DrawRecord& record) {
+    WriteRecordBytes(file, number, EncodeRecord(record));
+}
+
+void CopyRecordBytes(DrawingFile& from, DrawingFile& to, int32_t first, int32_t last) {
+    RecordBytes bytes;
+    for (int64_t n = first; n <= last; ++n) {
+        ReadRecordBytes(from, static_cast<int32_t>(n), bytes);
+        WriteRecordBytes(to, static_cast<int32_t>(n), bytes);
+    }
+}
+
+int16_t EntityCodeOf(const RecordBytes& bytes) { return GetInt16(bytes.data() + EntityCodeOffset); }
+
+char ToolLetterOf(const RecordBytes& bytes) { return static_cast<char>(bytes[ToolAOffset + LetterOffset]); }
 
 void WriteRecords(DrawingFile& file, int32_t first, const DrawRecord* records, size_t count) {
     if (file.File) FlushDrawing(file);
@@ -438,16 +459,32 @@ int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRec
 
 void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
                    const std::function<bool(int32_t, DrawRecord&)>& change) {
+    ChangeInPlace(file, first, last, [](int32_t, const RecordBytes&) { return true; }, change);
+}
+
+void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
+                   const std::function<bool(int32_t, const RecordBytes&)>& look,
+                   const std::function<bool(int32_t, DrawRecord&)>& change) {
     constexpr int64_t Chunk = static_cast<int64_t>(WriteBehindRecords);
-    std::vector<DrawRecord> records;
+    std::vector<RecordBytes> chunk;
     std::vector<bool> changed;
+    std::vector<unsigned char> run;
+    DrawRecord record;
     for (int64_t from = first < 1 ? 1 : first; from <= last; from += Chunk) {
         const int64_t to = last - from < Chunk ? last : from + Chunk - 1;
         const size_t size = static_cast<size_t>(to - from + 1);
-        records.resize(size);
+        chunk.resize(size);
         changed.assign(size, false);
-        for (size_t i = 0; i < size; ++i) ReadRecord(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), records[i]);
-        for (size_t i = 0; i < size; ++i) changed[i] = change(static_cast<int32_t>(from + static_cast<int64_t>(i)), records[i]);
+        // The whole chunk is read before any record of it is changed.
+        for (size_t i = 0; i < size; ++i) ReadRecordBytes(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), chunk[i]);
+        for (size_t i = 0; i < size; ++i) {
+            const auto n = static_cast<int32_t>(from + static_cast<int64_t>(i));
+            if (!look(n, chunk[i])) continue;
+            DecodeRecord(std::string_view(reinterpret_cast<const char*>(chunk[i].data()), RecordLength), record);
+            if (!change(n, record)) continue;
+            chunk[i] = EncodeRecord(record);
+            changed[i] = true;
+        }
         for (size_t i = 0; i < size;) {
             if (!changed[i]) {
                 ++i;
@@ -455,13 +492,16 @@ void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
             }
             size_t end = i + 1;
             while (end < size && changed[end]) ++end;
-            WriteRecords(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), records.data() + i, end - i);
+            run.clear();
+            for (size_t k = i; k < end; ++k) run.insert(run.end(), chunk[k].begin(), chunk[k].end());
+            FlushDrawing(file);
+            WriteBytesAt(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), run.data(), run.size());
             i = end;
         }
     }
 }
 
-void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
+void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount, int32_t from) {
     // The records' bytes are copied as they stand, in batches: a record read and written again
     // would give the same bytes, and one write of many records replaces one flushed write each.
     // Records the working file does not hold (a count beyond its end) are written as zeros, as
@@ -470,7 +510,7 @@ void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
     FlushDrawing(temp);
     RequireOpen(temp);
     std::vector<unsigned char> bytes;
-    for (int32_t first = 2; first <= newCount && first > 0; first += Batch) {
+    for (int32_t first = from < 2 ? 2 : from; first <= newCount && first > 0; first += Batch) {
         const int32_t last = newCount - first < Batch ? newCount : first + Batch - 1;
         const size_t size = static_cast<size_t>(last - first + 1) * RecordLength;
         bytes.assign(size, 0);
@@ -487,10 +527,14 @@ void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount) {
         WriteBytesAt(source, first, bytes.data(), size);
         if (last == INT32_MAX) break;
     }
+    WriteRecordCount(source, newCount);
+}
+
+void WriteRecordCount(DrawingFile& file, int32_t count) {
     DrawRecord record;
-    ReadRecord(source, 1, record);
-    record.RecordCount = newCount;
-    WriteRecord(source, 1, record);
+    ReadRecord(file, 1, record);
+    record.RecordCount = count;
+    WriteRecord(file, 1, record);
 }
 
 }  // namespace tvx

@@ -118,6 +118,22 @@ bool IsOpen(const DrawingFile& file);
 // a partial last record gives its present bytes and zeros after them.
 void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record);
 DrawRecord ReadRecord(DrawingFile& file, int32_t number);
+// Reads the bytes of record n (from 1) as they stand, without decoding them: the bytes the file
+// holds and zeros after them. Gives how many bytes the file held: RecordLength for a whole
+// record, fewer for a partial last record, 0 past the end.
+size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes);
+// Writes the bytes of record n as WriteRecord writes a record, write-behind included.
+void WriteRecordBytes(DrawingFile& file, int32_t number, const RecordBytes& bytes);
+// Writes the bytes of records first up to last of one drawing at the same numbers of another,
+// as WriteRecordBytes writes them (a partial last record with zeros after it, a record past the
+// end as zeros).
+void CopyRecordBytes(DrawingFile& from, DrawingFile& to, int32_t first, int32_t last);
+
+// A field of a record's bytes read where it lies, for a walk that looks at a few fields before
+// it decodes a record.
+int16_t EntityCodeOf(const RecordBytes& bytes);
+// The letter of ToolA.
+char ToolLetterOf(const RecordBytes& bytes);
 // Writes record n (from 1); writing past the end extends the file. Without write-behind the
 // record is flushed at once, so that every other handle of the file reads it. With it, a record
 // at the number behind the held run joins the run, one at a held number replaces the held one,
@@ -149,10 +165,20 @@ int32_t WalkDrawing(DrawingFile& file, const std::function<void(int32_t, DrawRec
 // gave false is not written. `change` sees each record as the file held it before the walk.
 void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
                    const std::function<bool(int32_t, DrawRecord&)>& change);
+// The same for a change that only some records can need: `look(n, bytes)` is called on the bytes
+// of every record in turn, and only a record for which it gives true is decoded and handed to
+// `change`. A record that `look` passes over is neither decoded nor written.
+void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
+                   const std::function<bool(int32_t, const RecordBytes&)>& look,
+                   const std::function<bool(int32_t, DrawRecord&)>& change);
 
 // The end of a pass that changed the number of records: copies records 2 up to newCount of the
 // pass's working file back over the source, record by record, then writes newCount into the
 // RecordCount of the source's record 1. Records of the source behind newCount stay on disk.
-void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount);
+// With `from` above 2 the copy starts there: the records before it are known to stand in the
+// source as they stand in the working file.
+void RewriteFromTemp(DrawingFile& source, DrawingFile& temp, int32_t newCount, int32_t from = 2);
+// Writes a count into the RecordCount of record 1, the rest of the record as it stands.
+void WriteRecordCount(DrawingFile& file, int32_t count);
 
 }  // namespace tvx

@@ -119,7 +119,28 @@ bool IsDualWork(int16_t workType) { return workType % 10 != 0 && workType < 40; 
 bool IsProfileWork(int16_t workType) { return workType >= 1 && workType < 10; }
 bool IsRotaryWork(int16_t workType) { return workType >= 20; }
 
-bool SameToolName(const ToolSpec& a, const ToolSpec& b) { return a.ToolName.Trimmed() == b.ToolName.Trimmed(); }
+namespace {
+
+// A text without the blanks at either end, as Trim gives it, without a copy.
+std::string_view TrimmedView(std::string_view text) {
+    size_t e = text.size();
+    while (e > 0 && text[e - 1] == ' ') --e;
+    size_t b = 0;
+    while (b < e && text[b] == ' ') ++b;
+    return text.substr(b, e - b);
+}
+
+template <size_t Width>
+std::string_view TrimmedView(const FixedText<Width>& text) {
+    return TrimmedView(std::string_view(text.Bytes.data(), Width));
+}
+
+}  // namespace
+
+bool SameToolName(const ToolSpec& a, const ToolSpec& b) {
+    // Two names of the same bytes, as a record and the tool in work mostly are, need no trimming.
+    return a.ToolName.Bytes == b.ToolName.Bytes || TrimmedView(a.ToolName) == TrimmedView(b.ToolName);
+}
 
 bool LetterIs(const ToolSpec& tool, char letter) { return tool.Letter.Bytes[0] == letter; }
 

@@ -143,10 +143,21 @@ void ApplySettingsStage(RunState& state, int32_t& stage, const std::string& lett
     }
     t.PostParam[8] = ToSingle(stage);
 
-    const std::string path = state.Job.WorkDir + StageFileName(letter, stage);
     const bool material = letter == "Z" || letter == "Y" || letter == "X" || letter == "W";
-    // A punch stage without its file leaves the settings in force.
-    if (!material && letter != "P" && !FileExists(path)) return;
+    const bool punch = !material && letter != "P";
+    // A punch stage without its file leaves the settings in force. A job without punch stage
+    // files asks for one with every record: the answer for the stage last found missing is kept
+    // for as long as no file has been made or deleted.
+    if (punch && s.MissingAt != 0 && s.MissingAt == LookupGeneration() && s.MissingStage == stage &&
+        s.MissingIn == state.Job.WorkDir)
+        return;
+    const std::string path = state.Job.WorkDir + StageFileName(letter, stage);
+    if (punch && !FileExists(path)) {
+        s.MissingStage = stage;
+        s.MissingIn = state.Job.WorkDir;
+        s.MissingAt = LookupGeneration();
+        return;
+    }
     TextInput in;
     OpenTextInput(in, path);
 

@@ -40,13 +40,18 @@ void GridPass(RunState&, const std::string& drawing) {
     // Records behind the end of the file read as zeros and are no grids: a damaged count does
     // not make the walk read them.
     const int32_t onDisk = RecordsOnDisk(file);
-    // Only a grid that is unswapped is written back.
-    ChangeInPlace(file, 2, count < onDisk ? count : onDisk, [count](int32_t n, DrawRecord& record) {
-        const bool swapped = IsSwappedGrid(record);
-        if (swapped) UnswapGrid(record);
-        SetProgress(static_cast<int>(static_cast<double>(n) / (static_cast<double>(count) + 1) * 100));
-        return swapped;
-    });
+    // Only a grid is decoded, and only a grid that is unswapped is written back.
+    ChangeInPlace(
+        file, 2, count < onDisk ? count : onDisk,
+        [count](int32_t n, const RecordBytes& bytes) {
+            SetProgress(static_cast<int>(static_cast<double>(n) / (static_cast<double>(count) + 1) * 100));
+            return EntityCodeOf(bytes) == 225;
+        },
+        [](int32_t, DrawRecord& record) {
+            const bool swapped = IsSwappedGrid(record);
+            if (swapped) UnswapGrid(record);
+            return swapped;
+        });
     CloseDrawing(file);
 }
 
@@ -58,13 +63,19 @@ void CruciformPass(RunState& state, const std::string& drawing) {
     ShowProgress("Processing Cruciforms");
     const int32_t onDisk = RecordsOnDisk(file);
     // Every record is put back at its number; one that did not change is the same bytes, so
-    // only a replaced arc is written.
-    ChangeInPlace(file, 1, count < onDisk ? count : onDisk, [&state, count](int32_t n, DrawRecord& record) {
-        const bool arc = IsRadiusPunchArc(record);
-        if (arc) ArcToPunch(state, record);
-        SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
-        return arc;
-    });
+    // only a replaced arc is written. Only an arc of an "M" tool can be one: no other record is
+    // decoded.
+    ChangeInPlace(
+        file, 1, count < onDisk ? count : onDisk,
+        [count](int32_t n, const RecordBytes& bytes) {
+            SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
+            return EntityCodeOf(bytes) == 130 && ToolLetterOf(bytes) == 'M';
+        },
+        [&state](int32_t, DrawRecord& record) {
+            const bool arc = IsRadiusPunchArc(record);
+            if (arc) ArcToPunch(state, record);
+            return arc;
+        });
     CloseDrawing(file);
     state.Job.WorkingCount = 0;
 }

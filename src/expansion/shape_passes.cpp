@@ -8,6 +8,13 @@
 // it makes). Then records 2 up to the counter are copied back over the drawing, PTemp.tmp is
 // deleted and record 1 gets the new RecordCount. Record 1 is walked like any other, but it is
 // never copied back: it keeps its form apart from the count.
+//
+// Up to the first record that a pass splits or changes, the drawing it would write is the
+// drawing it reads, record for record at the same numbers. So the working file is made only
+// when that record comes, and it is then given the records before it as the drawing holds them;
+// only the records from that one on are copied back. A walk that changes nothing makes no
+// working file and copies nothing back: it writes the count into record 1, and a partial last
+// record as the copy back would have written it, whole with zeros behind its bytes.
 #include <string>
 
 #include "common/numtext.h"
@@ -31,26 +38,52 @@ enum class PassChoice { Copy, Split };
 // corner code.
 using PassChooser = PassChoice (*)(const RunState& state, DrawingFile& source, int32_t number, DrawRecord& record);
 
+// A pass: which records it needs to see at all, by their EntityCode and the letter of ToolA (a
+// record it passes over is copied as its bytes stand, without being decoded), and its choice for
+// a record it sees.
+struct PassRule {
+    bool (*Sees)(int16_t code, char letter);
+    PassChooser Choose;
+};
+
 // The name of a file without its directory ('\' and '/' both separate).
 std::string FileNameOf(const std::string& path) {
     const auto slash = path.find_last_of("\\/");
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
+// The working file of a walk, made when the walk first writes a record that differs from the
+// drawing's own.
+struct PassOutput {
+    std::string Path;
+    DrawingFile File;
+    bool Made = false;
+    // The first record of the drawing that the walk did not give back as it stood.
+    int32_t FirstChanged = 0;
+};
+
+// Makes the working file for a walk at record `number`, whose records before it are the
+// drawing's own: they are written into it as the drawing holds them.
+void StartPassOutput(PassOutput& output, DrawingFile& source, int32_t number) {
+    MakeWorkingFile(output.File, output.Path);
+    // Nothing else reads the working file while the walk fills it: the records the walk and the
+    // split dispatch put there are written in batches.
+    output.File.WriteBehind = true;
+    CopyRecordBytes(source, output.File, 1, number - 1);
+    output.Made = true;
+    output.FirstChanged = number;
+}
+
 // The frame of the two passes. The walk covers the records from 1 up to RecordCount that the
 // file holds: a RecordCount beyond the last record on disk ends the walk at that record, so
 // that a damaged count neither walks records of zeros without end nor invents them; the count
 // written back is then the number of records the walk made.
-void RewriteByPass(RunState& state, const std::string& drawing, const std::string& caption, PassChooser choose) {
+void RewriteByPass(RunState& state, const std::string& drawing, const std::string& caption, const PassRule& rule) {
     DrawingFile source;
     OpenDrawing(source, drawing);
     const int32_t count = ReadRecordCount(source);
-    const std::string tempPath = state.Job.WorkDir + std::string(PassTempName);
-    DrawingFile temp;
-    MakeWorkingFile(temp, tempPath);
-    // Nothing else reads the working file while the walk fills it: the records the walk and the
-    // split dispatch put there are written in batches.
-    temp.WriteBehind = true;
+    PassOutput output;
+    output.Path = state.Job.WorkDir + std::string(PassTempName);
     ShowProgress(caption);
     // The bar runs over the records and four steps more, in whole percent, truncated.
     const double steps = static_cast<double>(count) + 4;
@@ -58,23 +91,48 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
     const int32_t last = count < onDisk ? count : onDisk;
     const std::string name = FileNameOf(drawing);
     int32_t counter = 0;
+    RecordBytes bytes;
+    size_t held = RecordLength;  // the bytes the file held of the record in hand
     DrawRecord record;
     for (int32_t n = 1; n <= last; ++n) {
-        ReadRecord(source, n, record);
-        if (choose(state, source, n, record) == PassChoice::Split) {
-            SplitOutput out = FileOutput(state.Machine, temp, counter, MainPathChoices,
-                                         "record " + LongText(n) + " of " + name);
+        held = ReadRecordBytes(source, n, bytes);
+        bool split = false;
+        bool changed = false;
+        if (rule.Sees(EntityCodeOf(bytes), ToolLetterOf(bytes))) {
+            DecodeRecord(std::string_view(reinterpret_cast<const char*>(bytes.data()), RecordLength), record);
+            split = rule.Choose(state, source, n, record) == PassChoice::Split;
+            if (!split) {
+                // A record that the choice changed is copied as it now stands.
+                const RecordBytes now = EncodeRecord(record);
+                changed = now != bytes;
+                bytes = now;
+            }
+        }
+        if ((split || changed) && !output.Made) StartPassOutput(output, source, n);
+        if (split) {
+            SplitOutput out = FileOutput(state.Machine, output.File, counter, MainPathChoices, {});
+            out.PlaceNumber = n;
+            out.PlaceFile = &name;
             out.Library = PassesForLibrary(state);
             SplitRecord(out, record);
         } else {
             ++counter;
-            WriteRecord(temp, counter, record);
+            if (output.Made) WriteRecordBytes(output.File, counter, bytes);
         }
         SetProgress(static_cast<int>(static_cast<double>(n) / steps * 100));
     }
-    RewriteFromTemp(source, temp, counter);
-    CloseDrawing(temp);
-    DeleteFile(tempPath);
+    if (output.Made) {
+        RewriteFromTemp(source, output.File, counter, output.FirstChanged);
+        CloseDrawing(output.File);
+        DeleteFile(output.Path);
+    } else {
+        // Every record went back to its own number. The copy back would have written a partial
+        // last record whole; a stale working file of an earlier walk goes, as the making of one
+        // would have removed it.
+        if (held < RecordLength && last >= 2) WriteRecordBytes(source, last, bytes);
+        WriteRecordCount(source, counter);
+        DeleteIfExists(output.Path);
+    }
     CloseDrawing(source);
     state.Job.WorkingCount = counter;
 }
@@ -91,6 +149,9 @@ bool IsLibraryTooled(const DrawRecord& record) {
 PassChoice AssociativeToolingChoice(const RunState&, DrawingFile&, int32_t, DrawRecord& record) {
     return IsLibraryTooled(record) ? PassChoice::Split : PassChoice::Copy;
 }
+
+// The records IsLibraryTooled can be true of.
+bool MayBeLibraryTooled(int16_t code, char letter) { return (code >= 171 && code <= 175) || (code < 500 && letter == 'U'); }
 
 // A rectangle's corner code (Count[3]) tells which corner its centre was given for; the
 // rectangle is brought to the finished form -1 once, so that a rectangle walked again is not
@@ -129,6 +190,13 @@ PassChoice ShapeChoice(const RunState& state, DrawingFile& source, int32_t numbe
     return IsLibraryTooled(record) ? PassChoice::Split : PassChoice::Copy;
 }
 
+// The records ShapeChoice can split or change: profiles of a library tool or of a profiling
+// head, the shapes, and library tools.
+bool ShapePassSees(int16_t code, char letter) {
+    if (code == 120 || code == 130) return letter == 'U' || letter == 'P';
+    return (code >= 151 && code <= 156) || MayBeLibraryTooled(code, letter);
+}
+
 // The position of a record that can tell where a part starts: gives false for a record that
 // cannot (a stop 321 tells it only with its Count[2]).
 bool StartPosition(const DrawRecord& record, SinglePoint& position) {
@@ -162,11 +230,11 @@ bool StartPosition(const DrawRecord& record, SinglePoint& position) {
 }  // namespace
 
 void AssociativeToolingPass(RunState& state, const std::string& drawing) {
-    RewriteByPass(state, drawing, "Processing Associative Tooling", AssociativeToolingChoice);
+    RewriteByPass(state, drawing, "Processing Associative Tooling", PassRule{MayBeLibraryTooled, AssociativeToolingChoice});
 }
 
 void ShapePass(RunState& state, const std::string& drawing) {
-    RewriteByPass(state, drawing, "Processing Shapes", ShapeChoice);
+    RewriteByPass(state, drawing, "Processing Shapes", PassRule{ShapePassSees, ShapeChoice});
 }
 
 void MeasurePart(RunState& state, const std::string& drawing, double& x, double& y) {

@@ -213,7 +213,7 @@ bool ToolChanged(RunState& state, const ToolSpec& tool) {
     if (tool.Present == 0) return false;
     const ToolSpec& current = state.Loop.CurrentTool;
     bool same = tool.ToolStep == current.ToolStep && SameToolName(tool, current) &&
-                tool.Letter.Text() == current.Letter.Text() && tool.ToolNumber == current.ToolNumber;
+                tool.Letter.Bytes == current.Letter.Bytes && tool.ToolNumber == current.ToolNumber;
     for (int i = 1; i <= 4; ++i) same = same && tool.Size[i] == current.Size[i];
     if (same) return false;
     ValueTables& t = state.Tables;
@@ -385,7 +385,7 @@ void PrepareRecord(RunState& state) {
     record.ToolA.ToolAngle = ToSingle(Norm360(record.ToolA.ToolAngle));
     record.ToolB.ToolAngle = ToSingle(Norm360(record.ToolB.ToolAngle));
     for (ToolSpec* tool : {&record.ToolA, &record.ToolB}) {
-        if (tool->Letter.Text() == "A") {
+        if (LetterIs(*tool, 'A')) {
             tool->ToolStep = 0;
             tool->ToolAngle = 0;
         }

@@ -67,7 +67,9 @@ void AppendBound(SplitOutput& out, const DrawRecord& source, DrawRecord& record)
 }
 
 void SplitFault(const SplitOutput& out, const DrawRecord& source, const std::string& what) {
-    const std::string place = out.Place.empty() ? std::string("the entity") : out.Place;
+    std::string place = out.Place;
+    if (place.empty() && out.PlaceFile != nullptr) place = "record " + LongText(out.PlaceNumber) + " of " + *out.PlaceFile;
+    if (place.empty()) place = "the entity";
     RunFault("Cannot split " + place + " (code " + IntegerText(source.EntityCode) + "): " + what);
 }
 

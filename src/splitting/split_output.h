@@ -59,6 +59,11 @@ struct SplitOutput {
     SplitChoices Choices;
     // Where the entity in hand stands, for the text of a fault: "record 12 of Progmain.drw".
     std::string Place;
+    // Or, for a walk over many entities, where it stands given by its parts (record PlaceNumber
+    // of the file named PlaceFile), made into the text only when a fault names it. Place, when
+    // set, goes first.
+    int32_t PlaceNumber = 0;
+    const std::string* PlaceFile = nullptr;
     // Records made from the entity in hand.
     int32_t Made = 0;
     LibraryPasses Library;

@@ -182,6 +182,12 @@ struct StageState {
     int32_t CurrentStage = 0;         // -1: none, the next stage is loaded whatever it is
     std::string StageLetter;          // letter of the stage in question
     std::string PreviousStageLetter;  // letter of the stage last applied
+    // The punch stage last found without a file, in which work directory, and the lookup
+    // generation (LookupGeneration) it was found at, 0 for none: while the generation is the
+    // same, no file has been made or deleted since, and the file is not looked for again.
+    int32_t MissingStage = 0;
+    std::string MissingIn;
+    uint64_t MissingAt = 0;
 };
 
 // The cutting head's path from block to block.

@@ -152,3 +152,67 @@ TEST(LookupCache, DeletingAMissingFileIsStillTheFileFault) {
         EXPECT_EQ(e.Text, "File not found: " + dir.Path + "/none.txt");
     }
 }
+
+// ---- LookupGeneration ----------------------------------------------------------------------
+
+TEST(LookupGeneration, OutsideAScopeItIsZero) {
+    EXPECT_EQ(LookupGeneration(), 0u);
+    TempDir dir;
+    WriteAllLines(dir.Path + "/a.txt", {"x"});
+    EXPECT_EQ(LookupGeneration(), 0u);
+}
+
+TEST(LookupGeneration, LookupsLeaveItAsItIs) {
+    TempDir dir;
+    WriteAllLines(dir.Path + "/a.txt", {"x"});
+    LookupCacheScope lookups;
+    const uint64_t at = LookupGeneration();
+    EXPECT_NE(at, 0u);
+    EXPECT_TRUE(FileExists(dir.Path + "/a.txt"));
+    EXPECT_FALSE(FileExists(dir.Path + "/b.txt"));
+    EXPECT_EQ(ListFiles(dir.Path, "*").size(), 1u);
+    EXPECT_EQ(FindPath(dir.Path + "/A.TXT"), dir.Path + "/a.txt");
+    EXPECT_EQ(LookupGeneration(), at);
+}
+
+TEST(LookupGeneration, EveryFileTheSystemMakesOrDeletesMovesItOn) {
+    TempDir dir;
+    LookupCacheScope lookups;
+    uint64_t at = LookupGeneration();
+    auto movedOn = [&at] {
+        const uint64_t now = LookupGeneration();
+        const bool moved = now != at;
+        at = now;
+        return moved;
+    };
+    WriteAllLines(dir.Path + "/PnchStg.3", {"******"});
+    EXPECT_TRUE(movedOn());
+    CopyFileTo(dir.Path + "/PnchStg.3", dir.Path + "/PnchStg.4");
+    EXPECT_TRUE(movedOn());
+    RenameFile(dir.Path + "/PnchStg.4", dir.Path + "/PnchStg.5");
+    EXPECT_TRUE(movedOn());
+    DeleteFile(dir.Path + "/PnchStg.5");
+    EXPECT_TRUE(movedOn());
+    {
+        DrawingFile made;
+        OpenDrawing(made, dir.Path + "/Shape.drw");
+    }
+    EXPECT_TRUE(movedOn());
+    MakeDirectory(dir.Path + "/Folder");
+    EXPECT_TRUE(movedOn());
+    NoteFileMade(dir.Path + "/Other.txt");
+    EXPECT_TRUE(movedOn());
+    EXPECT_FALSE(movedOn());
+}
+
+// A number remembered in one scope is never the number of a later one.
+TEST(LookupGeneration, ANewScopeHasANewNumber) {
+    uint64_t first = 0;
+    {
+        LookupCacheScope lookups;
+        first = LookupGeneration();
+    }
+    LookupCacheScope again;
+    EXPECT_NE(LookupGeneration(), first);
+    EXPECT_NE(LookupGeneration(), 0u);
+}

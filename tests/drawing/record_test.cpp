@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include <string>
 
 #include "common/fault.h"
@@ -115,6 +117,21 @@ TEST(DrawRecord, ToolNamesAreComparedOnTheTrimmedText) {
     EXPECT_FALSE(SameToolName(a, b));
     b.ToolName = "rnd 10";  // plain byte comparison: case counts
     EXPECT_FALSE(SameToolName(a, b));
+}
+
+// Only blanks are trimmed, at either end; a tab or a zero byte is part of the name, and blanks
+// inside it count.
+TEST(DrawRecord, ToolNamesAreTrimmedOfBlanksOnlyAsTrimDoes) {
+    const std::vector<std::string> names{"", " ", "RND 10", "  RND 10", "RND  10", "\tRND 10", "RND 10\t",
+                                         std::string("RND 10\0", 7), std::string(64, 'X'), std::string(63, ' ') + "X"};
+    for (const std::string& x : names) {
+        for (const std::string& y : names) {
+            ToolSpec a, b;
+            a.ToolName = x;
+            b.ToolName = y;
+            EXPECT_EQ(SameToolName(a, b), a.ToolName.Trimmed() == b.ToolName.Trimmed()) << x << "|" << y;
+        }
+    }
 }
 
 TEST(DrawRecord, ValuesAreSinglesAndAPassStartsFromTheRoundedValue) {

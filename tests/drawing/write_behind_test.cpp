@@ -291,3 +291,91 @@ TEST(ChangeInPlace, AnEmptyRangeReadsNothing) {
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(RecordsOnDisk(f), 0);
 }
+
+TEST(ChangeInPlace, ALookThatPassesARecordOverKeepsItFromTheChange) {
+    TempDir dir;
+    const std::string path = dir.Path + "/a.drw";
+    DrawingFile f;
+    OpenDrawing(f, path);
+    for (int n = 1; n <= 300; ++n) WriteRecord(f, n, Coded(n % 7 == 0 ? 130 : 210));
+    std::vector<int32_t> looked, changed;
+    ChangeInPlace(
+        f, 1, 300,
+        [&](int32_t n, const RecordBytes& bytes) {
+            looked.push_back(n);
+            return EntityCodeOf(bytes) == 130;
+        },
+        [&](int32_t n, DrawRecord& record) {
+            changed.push_back(n);
+            EXPECT_EQ(record.EntityCode, 130);
+            record.EntityCode = 210;
+            record.Value[1] = static_cast<float>(n);
+            return true;
+        });
+    CloseDrawing(f);
+    EXPECT_EQ(looked.size(), 300u);
+    ASSERT_EQ(changed.size(), 42u);
+    EXPECT_EQ(changed.front(), 7);
+    EXPECT_EQ(changed.back(), 294);
+    DrawingFile g;
+    OpenDrawing(g, path);
+    for (int n = 1; n <= 300; ++n) {
+        const DrawRecord r = ReadRecord(g, n);
+        ASSERT_EQ(r.EntityCode, 210) << n;
+        ASSERT_EQ(r.Value[1], n % 7 == 0 ? static_cast<float>(n) : 0.0f) << n;
+    }
+}
+
+TEST(RecordBytes, AReadGivesTheBytesTheFileHoldsAndZerosAfterThem) {
+    TempDir dir;
+    const std::string path = dir.Path + "/a.drw";
+    DrawRecord hit = Coded(210);
+    hit.ToolA.Letter = "M";
+    WriteFileAtomically(path, Bytes(Coded(1, 3)) + Bytes(hit) + Bytes(hit).substr(0, 100));
+    DrawingFile f;
+    OpenDrawing(f, path);
+    RecordBytes bytes;
+    EXPECT_EQ(ReadRecordBytes(f, 2, bytes), RecordLength);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), RecordLength), Bytes(hit));
+    EXPECT_EQ(EntityCodeOf(bytes), 210);
+    EXPECT_EQ(ToolLetterOf(bytes), 'M');
+    EXPECT_EQ(ReadRecordBytes(f, 3, bytes), 100u);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), RecordLength),
+              Bytes(hit).substr(0, 100) + std::string(RecordLength - 100, '\0'));
+    EXPECT_EQ(ReadRecordBytes(f, 4, bytes), 0u);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), RecordLength), std::string(RecordLength, '\0'));
+    EXPECT_EQ(ToolLetterOf(bytes), '\0');
+}
+
+// Raw records go through the write-behind as records do: held in runs, written at 256.
+TEST(RecordBytes, ACopyOfRawRecordsIsHeldAsWrittenRecordsAre) {
+    TempDir dir;
+    DrawingFile source;
+    OpenDrawing(source, dir.Path + "/a.drw");
+    for (int n = 1; n <= 300; ++n) WriteRecord(source, n, Coded(static_cast<int16_t>(n)));
+    DrawingFile temp;
+    MakeHeld(temp, dir.Path + "/PTemp.tmp");
+    CopyRecordBytes(source, temp, 1, 300);
+    EXPECT_EQ(SizeOf(dir.Path + "/PTemp.tmp"), 256u * RecordLength);
+    EXPECT_EQ(temp.HeldFirst, 257);
+    EXPECT_EQ(temp.Held.size(), 44u * RecordLength);
+    CloseDrawing(temp);
+    EXPECT_EQ(ReadAllBytes(dir.Path + "/PTemp.tmp"), ReadAllBytes(dir.Path + "/a.drw"));
+}
+
+TEST(RecordBytes, ARewriteFromALaterRecordLeavesTheRecordsBeforeItAlone) {
+    TempDir dir;
+    DrawingFile source, temp;
+    OpenDrawing(source, dir.Path + "/Progmain.drw");
+    WriteRecord(source, 1, Coded(1, 4));
+    for (int n = 2; n <= 4; ++n) WriteRecord(source, n, Coded(static_cast<int16_t>(300 + n)));
+    MakeWorkingFile(temp, dir.Path + "/PTemp.tmp");
+    for (int n = 1; n <= 5; ++n) WriteRecord(temp, n, Coded(static_cast<int16_t>(200 + n)));
+    RewriteFromTemp(source, temp, 5, 4);
+    EXPECT_EQ(ReadRecordCount(source), 5);
+    EXPECT_EQ(ReadRecord(source, 1).EntityCode, 1);
+    EXPECT_EQ(ReadRecord(source, 2).EntityCode, 302);
+    EXPECT_EQ(ReadRecord(source, 3).EntityCode, 303);
+    EXPECT_EQ(ReadRecord(source, 4).EntityCode, 204);
+    EXPECT_EQ(ReadRecord(source, 5).EntityCode, 205);
+}

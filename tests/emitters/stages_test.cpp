@@ -5,6 +5,8 @@
 #include <filesystem>
 
 #include "common/fault.h"
+#include "common/paths.h"
+#include "common/textfile.h"
 #include "job/job_fixture.h"
 
 using namespace tvx;
@@ -75,6 +77,55 @@ TEST(ApplySettingsStage, MissingPunchStageFileIsNoErrorAndTheStageNumberStands) 
     EXPECT_EQ(f.State.Tables.PostParam[8], 7.0f);
     EXPECT_EQ(f.State.Tables.PostParam[6], 1.0f);
     EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 0);
+}
+
+// A missing punch stage file is not looked for again with every record, but a stage file that
+// the system writes in the meantime is read at the next record that asks for it.
+TEST(ApplySettingsStage, AMissingPunchStageFileIsSeenOnceTheSystemWritesIt) {
+    JobFixture f({});
+    LookupCacheScope lookups;
+    int32_t stage = 3;
+    ApplySettingsStage(f.State, stage, "A");
+    EXPECT_EQ(f.State.Loop.Stages.MissingStage, 3);
+    EXPECT_EQ(f.State.Loop.Stages.MissingAt, LookupGeneration());
+    ApplySettingsStage(f.State, stage, "B");
+    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 0);
+    EXPECT_EQ(f.State.Tables.PostParam[8], 3.0f);
+    WriteAllLines(f.Path("PnchStg.3"), {"P40,12", "******"});
+    ApplySettingsStage(f.State, stage, "A");
+    EXPECT_EQ(f.State.Tables.PostParam[40], 12.0f);
+    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 3);
+}
+
+// The missing file remembered is the file of one stage: another stage's file is looked for.
+TEST(ApplySettingsStage, AMissingStageFileSaysNothingOfAnotherStage) {
+    JobFixture f({});
+    WriteAllLines(f.Path("PnchStg.4"), {"P41,2", "******"});
+    LookupCacheScope lookups;
+    int32_t three = 3, four = 4;
+    ApplySettingsStage(f.State, three, "A");
+    ApplySettingsStage(f.State, four, "A");
+    EXPECT_EQ(f.State.Tables.PostParam[41], 2.0f);
+    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 4);
+    // And a file deleted by the system is missing at once.
+    WriteAllLines(f.Path("PnchStg.3"), {"P42,5", "******"});
+    DeleteFile(f.Path("PnchStg.3"));
+    ApplySettingsStage(f.State, three, "A");
+    EXPECT_EQ(f.State.Tables.PostParam[42], 0.0f);
+    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 4);
+}
+
+// Outside a lookup scope nothing is kept: a file made by any means is read.
+TEST(ApplySettingsStage, WithoutALookupScopeAMissingFileIsLookedForEveryTime) {
+    JobFixture f({});
+    int32_t stage = 5;
+    ApplySettingsStage(f.State, stage, "A");
+    std::FILE* made = std::fopen(f.Path("PnchStg.5").c_str(), "wb");
+    ASSERT_NE(made, nullptr);
+    std::fputs("P43,7\r\n******\r\n", made);
+    std::fclose(made);
+    ApplySettingsStage(f.State, stage, "A");
+    EXPECT_EQ(f.State.Tables.PostParam[43], 7.0f);
 }
 
 TEST(ApplySettingsStage, PunchStageIsReadFromItsFile) {

@@ -3,6 +3,7 @@
 // of exchanged axes take the plain form).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/numeric.h"
@@ -219,4 +220,50 @@ TEST(GridPass, ACountBeyondTheFileEndsAtItsLastRecord) {
     const std::vector<DrawRecord> after = ReadDrawing(drawing);
     ASSERT_EQ(after.size(), 2u);
     EXPECT_EQ(after[1].Count[3], 0);
+}
+
+// Over a long drawing only the records that change are touched: the quarter arcs and the
+// exchanged grids wherever they stand, every other record left as its bytes were.
+TEST(CruciformPass, ALongDrawingChangesOnlyItsQuarterArcs) {
+    PassFixture f;
+    std::vector<DrawRecord> records{Header(700)};
+    for (int n = 2; n <= 700; ++n) {
+        DrawRecord hit = Entity(210);
+        hit.Point[4] = SinglePoint{static_cast<float>(n), 0};
+        hit.ToolA = Tool(n % 2 == 0 ? "M" : "A");
+        records.push_back(hit);
+    }
+    const std::vector<int> arcs{2, 256, 257, 512, 513, 700};
+    for (int n : arcs) records[static_cast<size_t>(n - 1)] = QuarterArc(90, 1);
+    records[99] = QuarterArc(90, -1);
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, records);
+    CruciformPass(f.State, drawing);
+    const std::vector<DrawRecord> after = ReadDrawing(drawing);
+    ASSERT_EQ(after.size(), records.size());
+    for (size_t i = 0; i < records.size(); ++i) {
+        const bool arc = std::find(arcs.begin(), arcs.end(), static_cast<int>(i + 1)) != arcs.end();
+        if (arc) EXPECT_EQ(after[i].EntityCode, 210) << i + 1;
+        else EXPECT_EQ(Bytes(after[i]), Bytes(records[i])) << i + 1;
+    }
+}
+
+TEST(GridPass, ALongDrawingChangesOnlyItsExchangedGrids) {
+    PassFixture f;
+    std::vector<DrawRecord> records{Header(600)};
+    for (int n = 2; n <= 600; ++n) records.push_back(Grid(n % 3 == 0 ? 0 : 1, n % 5 == 0 ? 0 : -1));
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, records);
+    GridPass(f.State, drawing);
+    const std::vector<DrawRecord> after = ReadDrawing(drawing);
+    ASSERT_EQ(after.size(), records.size());
+    int unswapped = 0;
+    for (size_t i = 1; i < records.size(); ++i) {
+        DrawRecord expected = records[i];
+        UnswapGrid(expected);
+        EXPECT_EQ(Bytes(after[i]), Bytes(expected)) << i + 1;
+        if (Bytes(after[i]) != Bytes(records[i])) ++unswapped;
+    }
+    // The grids of numbers that are no multiple of 3 (exchanged) nor of 5 (with a tool).
+    EXPECT_EQ(unswapped, 319);
 }

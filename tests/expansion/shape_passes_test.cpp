@@ -7,6 +7,8 @@
 #include "common/paths.h"
 #include "expansion/passes.h"
 #include "expansion/pass_support.h"
+#include "splitting/split_dispatch.h"
+#include "splitting/split_output.h"
 #include "tooling/library.h"
 
 using namespace tvx;
@@ -514,4 +516,168 @@ TEST(ShapePass, AShapeThatCannotBeSplitNamesItsRecordAndDrawing) {
         EXPECT_EQ(end.Status, ExitFault);
         EXPECT_EQ(end.Text.rfind("Cannot split record 3 of Progmain.drw (code 152): ", 0), 0u) << end.Text;
     }
+}
+
+// ---- The frame's cost: what a walk writes -------------------------------------------------------
+
+namespace {
+
+// A circle that a profiling head cuts without leads: the shape pass splits it into one arc.
+DrawRecord CutCircle(float x) {
+    DrawRecord circle = Entity(151);
+    circle.Point[4] = SinglePoint{x, 5};
+    circle.Value[1] = 2;
+    circle.ToolA = Tool("P", 1);
+    return circle;
+}
+
+DrawRecord Hit(float x) {
+    DrawRecord hit = Entity(210);
+    hit.Point[4] = SinglePoint{x, 1};
+    hit.ToolA = Tool("A");
+    return hit;
+}
+
+// The bytes a walk of the shape pass leaves, made the plain way: every record of the walk
+// (a copied record, or the records of a split) put behind the last at its number of a whole
+// new drawing, records 2 up to the new count of that written over the old drawing, and the new
+// count in record 1.
+std::string PlainRewrite(PassFixture& f, const std::string& drawing, const std::vector<bool>& splits) {
+    std::string bytes = ReadAllBytes(drawing);
+    const std::vector<DrawRecord> records = ReadDrawing(drawing);
+    std::vector<DrawRecord> made;
+    int32_t counter = 0;
+    for (size_t i = 0; i < records.size(); ++i) {
+        if (splits.at(i)) {
+            DrawRecord record = records[i];
+            SplitOutput out = ListOutput(f.State.Machine, made, counter, MainPathChoices);
+            SplitRecord(out, record);
+        } else {
+            made.push_back(records[i]);
+            ++counter;
+        }
+    }
+    if (bytes.size() < made.size() * RecordLength) bytes.resize(made.size() * RecordLength, '\0');
+    for (size_t i = 1; i < made.size(); ++i) bytes.replace(i * RecordLength, RecordLength, Bytes(made[i]));
+    DrawRecord first = records.at(0);
+    first.RecordCount = counter;
+    bytes.replace(0, RecordLength, Bytes(first));
+    return bytes;
+}
+
+// A drawing of `before` hits, the records given, `after` hits.
+std::vector<DrawRecord> Around(int before, const std::vector<DrawRecord>& middle, int after) {
+    std::vector<DrawRecord> records{Header(0)};
+    for (int i = 0; i < before; ++i) records.push_back(Hit(static_cast<float>(i)));
+    records.insert(records.end(), middle.begin(), middle.end());
+    for (int i = 0; i < after; ++i) records.push_back(Hit(static_cast<float>(1000 + i)));
+    records[0].RecordCount = static_cast<int32_t>(records.size());
+    return records;
+}
+
+std::vector<bool> SplitsOf(const std::vector<DrawRecord>& records) {
+    std::vector<bool> splits;
+    for (const DrawRecord& r : records) splits.push_back(r.EntityCode == 151);
+    return splits;
+}
+
+}  // namespace
+
+// A walk that splits nothing makes no working file at all: with a work directory that cannot
+// hold one, it still goes through.
+TEST(ShapePass, AWalkThatSplitsNothingMakesNoWorkingFile) {
+    PassFixture f;
+    f.State.Job.WorkDir = f.Path("Missing/");
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, Around(600, {}, 0));
+    const std::string before = FileBytes(drawing);
+    ShapePass(f.State, drawing);
+    AssociativeToolingPass(f.State, drawing);
+    EXPECT_EQ(FileBytes(drawing), before);
+    EXPECT_EQ(f.State.Job.WorkingCount, 601);
+}
+
+// The split of a record in the middle gives the drawing that a rewrite of every record gives.
+TEST(ShapePass, ASplitInTheMiddleGivesTheBytesOfAWholeRewrite) {
+    for (const int before : {0, 1, 255, 256, 300, 700}) {
+        PassFixture f;
+        const std::string drawing = f.Path("Progmain.drw");
+        const std::vector<DrawRecord> records = Around(before, {CutCircle(1), Hit(2), CutCircle(3)}, 300);
+        WriteDrawing(drawing, records);
+        const std::string expected = PlainRewrite(f, drawing, SplitsOf(records));
+        ShapePass(f.State, drawing);
+        EXPECT_EQ(FileBytes(drawing), expected) << before;
+        EXPECT_EQ(f.State.Job.WorkingCount, static_cast<int32_t>(records.size())) << before;
+        EXPECT_FALSE(FileExists(f.Path("PTemp.tmp")));
+    }
+}
+
+TEST(ShapePass, ASplitOfTheLastRecordGivesTheBytesOfAWholeRewrite) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    const std::vector<DrawRecord> records = Around(400, {CutCircle(1)}, 0);
+    WriteDrawing(drawing, records);
+    const std::string expected = PlainRewrite(f, drawing, SplitsOf(records));
+    ShapePass(f.State, drawing);
+    EXPECT_EQ(FileBytes(drawing), expected);
+}
+
+// A partial last record is written whole, with zeros behind its bytes, as the copy back of a
+// rewrite writes it; also when nothing is split.
+TEST(ShapePass, APartialLastRecordComesBackWholeWhetherOrNotAnythingIsSplit) {
+    for (const bool split : {false, true}) {
+        PassFixture f;
+        const std::string drawing = f.Path("Progmain.drw");
+        std::vector<DrawRecord> records = Around(3, {}, 0);
+        if (split) records.insert(records.begin() + 2, CutCircle(1));
+        records[0].RecordCount = static_cast<int32_t>(records.size()) + 1;
+        WriteDrawing(drawing, records);
+        WriteFileAtomically(drawing, FileBytes(drawing) + Bytes(Hit(9)).substr(0, 300));
+        const std::string expected =
+            PlainRewrite(f, drawing, SplitsOf(ReadDrawing(drawing)));
+        ShapePass(f.State, drawing);
+        EXPECT_EQ(FileBytes(drawing).size(), (records.size() + 1) * RecordLength) << split;
+        EXPECT_EQ(FileBytes(drawing), expected) << split;
+    }
+}
+
+// A drawing that shrinks keeps the records behind its new count, and a record that a split
+// leaves unchanged in its place ahead of the first change is not written again.
+TEST(AssociativeToolingPass, ADrawingThatShrinksKeepsItsOldRecordsBehindTheNewCount) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    DrawRecord empty = UntooledRectangle(0);
+    // A library drawing of its header alone places nothing: the entity goes.
+    WriteAllLines(JobShapePath(f.State, empty, LookupFileMode), {"\"HOOK\",7,0,90,\"7.drw\"", "******"});
+    WriteDrawing(JobShapePath(f.State, empty, ToolDrawingMode), {Header(1)});
+    const std::vector<DrawRecord> records = Around(300, {empty}, 5);
+    WriteDrawing(drawing, records);
+    const std::string before = FileBytes(drawing);
+    AssociativeToolingPass(f.State, drawing);
+    const std::string after = FileBytes(drawing);
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_EQ(ReadDrawing(drawing).at(0).RecordCount, static_cast<int32_t>(records.size()) - 1);
+    // Records 2 to 301 as they were, then the five hits one place up, then the last hit again.
+    EXPECT_EQ(after.substr(RecordLength, 300 * RecordLength), before.substr(RecordLength, 300 * RecordLength));
+    EXPECT_EQ(after.substr(301 * RecordLength, 5 * RecordLength), before.substr(302 * RecordLength, 5 * RecordLength));
+    EXPECT_EQ(after.substr(306 * RecordLength), before.substr(306 * RecordLength));
+}
+
+// A split that fails leaves the working file as far as it was written: the records before the
+// split in whole runs of 256, as a walk that wrote every record leaves it.
+TEST(ShapePass, AFailedSplitLeavesTheWorkingFileAsAWholeRewriteLeavesIt) {
+    PassFixture f;
+    DrawRecord singleD = Entity(152);  // a flat far outside its circle
+    singleD.Point[4] = SinglePoint{5, 5};
+    singleD.Value[1] = 5;
+    singleD.Value[2] = 30;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, Around(599, {singleD}, 3));
+    try {
+        ShapePass(f.State, drawing);
+        FAIL() << "the split went through";
+    } catch (const RunEnd& end) {
+        EXPECT_EQ(end.Text.rfind("Cannot split record 601 of Progmain.drw (code 152): ", 0), 0u) << end.Text;
+    }
+    EXPECT_EQ(FileBytes(f.Path("PTemp.tmp")), FileBytes(drawing).substr(0, 512 * RecordLength));
 }

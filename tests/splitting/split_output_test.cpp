@@ -102,6 +102,26 @@ TEST(SplitOutput, OneEntityMakesNoMoreThanTheBoundAndTheFaultNamesIt) {
     EXPECT_EQ(count, MostRecordsFromOneEntity);
 }
 
+// A walk names the place by its parts; the text is the same as a place given whole.
+TEST(SplitOutput, APlaceGivenByItsPartsIsNamedInTheFault) {
+    const MachineState m = Machine();
+    int32_t count = 0;
+    SplitOutput out;
+    out.Machine = &m;
+    out.OutputCount = &count;
+    const std::string file = "Progmain.drw";
+    out.PlaceNumber = 12;
+    out.PlaceFile = &file;
+    const DrawRecord source = Source(151);
+    EXPECT_EQ(FaultText([&] { SplitFault(out, source, "no pitch"); }),
+              "Cannot split record 12 of Progmain.drw (code 151): no pitch");
+    out.Place = "record 3 of Shape.drw";
+    EXPECT_EQ(FaultText([&] { SplitFault(out, source, "no pitch"); }),
+              "Cannot split record 3 of Shape.drw (code 151): no pitch");
+    SplitOutput bare;
+    EXPECT_EQ(FaultText([&] { SplitFault(bare, source, "no pitch"); }), "Cannot split the entity (code 151): no pitch");
+}
+
 TEST(SplitOutput, AMadeRecordTakesTheCodeItsNameTheCarriedWordsAndToolAOnly) {
     const DrawRecord made = MadeRecord(Source(153), 130);
     EXPECT_EQ(made.EntityCode, 130);
