@@ -19,6 +19,81 @@ constexpr size_t PlainTextRoom = 48;
 
 // Writes the plain text from the value's significant digits, rounded to `digits`, into `out`
 // (PlainTextRoom bytes); gives its length.
+// The seven significant digits of a single as "%.6e" rounds them (halves to even on the
+// exact binary value): `digits` from 1000000 to 9999999 and the decimal exponent of the
+// first digit. Worked in whole numbers, exactly, for singles from 1E-10 to 1E+20; false for
+// others, which go the general way.
+bool SevenDigits(float value, uint32_t& digits, int& exponent) {
+#if defined(__SIZEOF_INT128__)
+    __extension__ typedef unsigned __int128 Wide;
+    uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    const uint32_t biased = (bits >> 23) & 0xFF;
+    if (biased == 0xFF) return false;
+    const uint64_t mantissa = biased == 0 ? (bits & 0x7FFFFF) : ((bits & 0x7FFFFF) | 0x800000);
+    const int power2 = biased == 0 ? -149 : static_cast<int>(biased) - 150;
+    if (mantissa == 0) return false;
+    const double magnitude = std::fabs(static_cast<double>(value));
+    if (magnitude < 1e-10 || magnitude >= 1e20) return false;
+    static constexpr uint64_t Tens[] = {1ull,
+                                        10ull,
+                                        100ull,
+                                        1000ull,
+                                        10000ull,
+                                        100000ull,
+                                        1000000ull,
+                                        10000000ull,
+                                        100000000ull,
+                                        1000000000ull,
+                                        10000000000ull,
+                                        100000000000ull,
+                                        1000000000000ull,
+                                        10000000000000ull,
+                                        100000000000000ull,
+                                        1000000000000000ull,
+                                        10000000000000000ull,
+                                        100000000000000000ull};
+    int e10 = static_cast<int>(std::floor(std::log10(magnitude)));
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        // The value times 10^(6 - e10) as numerator over denominator.
+        const int k = 6 - e10;
+        if (k > 17 || k < -17) return false;
+        Wide numerator = mantissa;
+        Wide denominator = 1;
+        if (k >= 0) numerator *= Tens[k];
+        else denominator *= Tens[-k];
+        if (power2 >= 0) numerator <<= power2;
+        else denominator <<= -power2;
+        const Wide whole = numerator / denominator;
+        const Wide rest = numerator % denominator;
+        if (whole >= 10000000) {
+            ++e10;
+            continue;
+        }
+        if (whole < 1000000) {
+            --e10;
+            continue;
+        }
+        uint64_t n = static_cast<uint64_t>(whole);
+        const Wide twice = rest * 2;
+        if (twice > denominator || (twice == denominator && (n & 1) != 0)) ++n;
+        if (n == 10000000) {
+            n = 1000000;
+            ++e10;
+        }
+        digits = static_cast<uint32_t>(n);
+        exponent = e10;
+        return true;
+    }
+    return false;
+#else
+    (void)value;
+    (void)digits;
+    (void)exponent;
+    return false;
+#endif
+}
+
 size_t WritePlainTextDigits(char* out, double value, int digits, int exponentLimit) {
     auto put = [&](const char* text) {
         const size_t n = std::strlen(text);
@@ -37,22 +112,29 @@ size_t WritePlainTextDigits(char* out, double value, int digits, int exponentLim
         const auto end = std::to_chars(out + 1, out + PlainTextRoom, static_cast<long long>(std::fabs(value))).ptr;
         return static_cast<size_t>(end - out);
     }
-    // The digits as "%.*e" gives them, correctly rounded; to_chars is the same conversion
-    // without the cost of the formatted-output machinery.
-    char buffer[64];
-    const char* const written =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, digits - 1).ptr;
-    // buffer: [-]d.ddddde[+-]xx
-    const char* p = buffer;
-    const bool negative = *p == '-';
-    if (negative) ++p;
+    const bool negative = value < 0;
     char significant[32];
     size_t count = 0;
-    for (; p < written && *p != 'e'; ++p)
-        if (*p != '.') significant[count++] = *p;
-    while (count > 1 && significant[count - 1] == '0') --count;
     int exponent = 0;
-    std::from_chars(p + 1 + (p[1] == '+' ? 1 : 0), written, exponent);
+    uint32_t seven = 0;
+    if (digits == 7 && static_cast<double>(static_cast<float>(value)) == value &&
+        SevenDigits(static_cast<float>(value), seven, exponent)) {
+        const auto end = std::to_chars(significant, significant + sizeof significant, seven).ptr;
+        count = static_cast<size_t>(end - significant);
+    } else {
+        // The digits as "%.*e" gives them, correctly rounded; to_chars is the same conversion
+        // without the cost of the formatted-output machinery.
+        char buffer[64];
+        const char* const written =
+            std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, digits - 1).ptr;
+        // buffer: [-]d.ddddde[+-]xx
+        const char* p = buffer;
+        if (negative) ++p;
+        for (; p < written && *p != 'e'; ++p)
+            if (*p != '.') significant[count++] = *p;
+        std::from_chars(p + 1 + (p[1] == '+' ? 1 : 0), written, exponent);
+    }
+    while (count > 1 && significant[count - 1] == '0') --count;
 
     size_t n = 0;
     out[n++] = negative ? '-' : ' ';
@@ -324,6 +406,18 @@ double NumberThroughPlainText(float value) {
     if (v == std::trunc(v) && std::fabs(v) < 1e7) return v == 0 ? 0.0 : v;
     // The plain text holds the seven significant digits of "%.6e"; read back, they are the
     // double nearest to that decimal, as the correctly rounded reading of the text gives it.
+    // With digits and a power of ten both exact in a double, one multiplication or division
+    // is that nearest double.
+    uint32_t seven = 0;
+    int exponent = 0;
+    if (SevenDigits(value, seven, exponent)) {
+        static constexpr double Powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                            1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+        const int power = exponent - 6;
+        const double magnitude = power >= 0 ? static_cast<double>(seven) * Powers[power]
+                                            : static_cast<double>(seven) / Powers[-power];
+        return value < 0 ? -magnitude : magnitude;
+    }
     char buffer[64];
     const auto written = std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::scientific, 6);
     double back = 0;

@@ -126,3 +126,24 @@ RC_GTEST_PROP(QuickNumberText, DecimalReadsAsStrtodReadsIt, ()) {
     const double expected = std::strtod(plain.c_str(), nullptr);
     RC_ASSERT(read == expected);
 }
+
+RC_GTEST_PROP(QuickNumberText, SinglesOfTheWorkedRangeReadAndPrintAsTheirText, ()) {
+    // Singles between 1E-10 and 1E+20, their seven digits worked in whole numbers.
+    const float value = static_cast<float>(*rc::gen::inRange(-1000000000, 1000000000)) *
+                        std::pow(10.0f, static_cast<float>(*rc::gen::inRange(-18, 12)));
+    RC_ASSERT(PlainText(value) == PlainTextByHand(static_cast<double>(value), 7, 7));
+    RC_ASSERT(NumberThroughPlainText(value) == LeadingNumber(PlainText(value)));
+}
+
+TEST(QuickNumberText, SeventhDigitTiesGoToTheEvenDigitAsPrintfRoundsThem) {
+    // 1048576.5 and 1048577.5 are singles exactly: their eighth digit is a tie.
+    EXPECT_EQ(PlainText(1048576.5f), " 1048576");
+    EXPECT_EQ(PlainText(1048577.5f), " 1048578");
+    EXPECT_EQ(PlainText(1048576.5f), PlainTextByHand(1048576.5, 7, 7));
+    EXPECT_EQ(NumberThroughPlainText(1048577.5f), 1048578.0);
+    // Rounding up into the next power of ten.
+    EXPECT_EQ(PlainText(9999999.5f), PlainTextByHand(9999999.5, 7, 7));
+    EXPECT_EQ(PlainText(0.099999999f), PlainTextByHand(static_cast<double>(0.099999999f), 7, 7));
+    for (float v : {1e-10f, 9.99999e19f, 1e20f, 0.1f, 0.3f, 123.456f, -0.001f, 3.4028235e38f, 1.17549435e-38f})
+        EXPECT_EQ(PlainText(v), PlainTextByHand(static_cast<double>(v), 7, 7)) << v;
+}
