@@ -40,6 +40,53 @@ bool IsDeferredName(const std::string& tag) {
     return false;
 }
 
+// Reads a body line into its runs; a line with "@" or a layout tag has no usable form.
+BlockLineForm ParseBlockLine(const std::string& line) {
+    BlockLineForm form;
+    std::string text;
+    std::string tag;
+    bool inTag = false;
+    auto flush = [&] {
+        if (text.empty()) return;
+        BlockToken token;
+        token.Text = std::move(text);
+        token.Blanks = token.Text.find(' ') != std::string::npos;
+        form.Tokens.push_back(std::move(token));
+        text.clear();
+    };
+    for (const char c : line) {
+        if (c == '@') return BlockLineForm{};
+        if (c == '{' || c == '}') {
+            flush();
+            form.Tokens.push_back(BlockToken{BlockToken::Kind::Brace, std::string(1, c), false, false});
+        } else if (c == '[') {
+            flush();
+            inTag = true;
+        } else if (c == ']') {
+            if (LayoutNumber(tag) != 0) return BlockLineForm{};
+            flush();
+            form.Tokens.push_back(BlockToken{BlockToken::Kind::Tag, tag, false, IsDeferredName(tag)});
+            inTag = false;
+            tag.clear();
+        } else if (inTag) {
+            tag += c;
+        } else {
+            text += c;
+        }
+    }
+    flush();
+    form.Usable = true;
+    return form;
+}
+
+// The form of a body line, kept by its text while there is room.
+const BlockLineForm& BlockLineFormOf(EngineState& e, const std::string& line, BlockLineForm& fresh) {
+    if (const auto known = e.BlockLines.find(line); known != e.BlockLines.end()) return known->second;
+    if (e.BlockLines.size() < e.BlockLinesKept) return e.BlockLines.emplace(line, ParseBlockLine(line)).first->second;
+    fresh = ParseBlockLine(line);
+    return fresh;
+}
+
 // A 16-bit counter of the line interpreter: one more, and the fault "Overflow" past 32767.
 void CountUp(int16_t& counter, const char* what) {
     if (counter == 32767) RunFault(std::string("Overflow: ") + what);
@@ -299,66 +346,108 @@ void WriteReservedBlock(RunState& state) {
         if (!e.RenumberMode) e.FieldCount = 1;
         // The line is not changed while it is read: tags and layouts work on other registers.
         const std::string& line = e.PostDefLine;
-        const bool alignable = line.find('@') != std::string::npos;
 
-        for (size_t i = 0; i < line.size(); ++i) {
-            const char c = line[i];
-            if (c == '{' || c == '}') {
-                if (alignable) {
-                    align = c == '{' ? 1 : -1;
+        // A character of text outside the tags: blanks in a row print once (but for the
+        // report), unless a word has just printed text.
+        auto text = [&](char c) {
+            if (e.FieldTextAdded) previous = -1;
+            if (c != ' ') CountUp(e.NonBlankCount, "NonBlankCount");
+            if (c == ' ' && previous == ' ' && !e.ReportMode) return;
+            previous = static_cast<unsigned char>(c);
+            if (align == 1) alignBuffer += c;
+            else e.PostLine += c;
+        };
+        // A tag closed by "]" (not a layout tag).
+        auto closeTag = [&](const std::string& name, bool deferred) {
+            if (deferred) {
+                e.PostLine += '[';
+                e.PostLine += name;
+                e.PostLine += ']';
+            } else if (align == 1) {
+                const size_t before = e.PostLine.size();
+                const std::string kept = e.PostLine;
+                EvaluateWord(state, name);
+                if (e.PostLine.size() > before) alignBuffer += e.PostLine.substr(before);
+                e.PostLine = kept;
+            } else if (!name.empty()) {
+                EvaluateWord(state, name);
+            }
+        };
+
+        // Outside the pass over the program a line is worked in its runs, read once.
+        BlockLineForm fresh;
+        const BlockLineForm* form =
+            deferredActive && e.BlockLinesKept > 0 ? &BlockLineFormOf(e, line, fresh) : nullptr;
+        if (form && form->Usable) {
+            for (const BlockToken& token : form->Tokens) {
+                switch (token.Type) {
+                    case BlockToken::Kind::Brace:
+                        e.PostLine += token.Text;
+                        CountUp(e.NonBlankCount, "NonBlankCount");
+                        break;
+                    case BlockToken::Kind::Tag: closeTag(token.Text, token.Deferred); break;
+                    case BlockToken::Kind::Text:
+                        if (token.Blanks) {
+                            for (const char c : token.Text) text(c);
+                            break;
+                        }
+                        // Without a blank every character prints and counts.
+                        if (e.NonBlankCount > 32767 - static_cast<int>(token.Text.size()))
+                            RunFault("Overflow: NonBlankCount");
+                        e.NonBlankCount = static_cast<int16_t>(e.NonBlankCount + static_cast<int>(token.Text.size()));
+                        previous = static_cast<unsigned char>(token.Text.back());
+                        if (align == 1) alignBuffer += token.Text;
+                        else e.PostLine += token.Text;
+                        break;
+                }
+            }
+            inTag = false;
+            tag.clear();
+        } else {
+            const bool alignable = line.find('@') != std::string::npos;
+            for (size_t i = 0; i < line.size(); ++i) {
+                const char c = line[i];
+                if (c == '{' || c == '}') {
+                    if (alignable) {
+                        align = c == '{' ? 1 : -1;
+                    } else {
+                        e.PostLine += c;
+                        CountUp(e.NonBlankCount, "NonBlankCount");
+                    }
+                } else if (c == '@') {
+                    if (align != -1) continue;  // a stray @ is lost
+                    align = 0;
+                    const std::string letter = i + 1 < line.size() ? line.substr(i + 1, 1) : std::string();
+                    const std::string digits = i + 2 < line.size() ? line.substr(i + 2, 3) : std::string();
+                    const double width = LeadingNumber(digits) - 2;
+                    i += 4;
+                    const double length = static_cast<double>(e.PostLine.size());
+                    if (letter == "L") {
+                        if (length < width) PadSpaces(e.PostLine, width - length);
+                    } else {
+                        const double room = width - static_cast<double>(alignBuffer.size());
+                        if (room > length) PadSpaces(e.PostLine, room - length);
+                    }
+                    e.PostLine += alignBuffer;
+                    alignBuffer.clear();
+                } else if (c == '[') {
+                    inTag = true;
+                } else if (c == ']') {
+                    if (const int layout = LayoutNumber(tag); layout != 0) {
+                        // The rest of the line falls into the tag buffer and is lost.
+                        e.LayoutMode = static_cast<int16_t>(layout);
+                        OpenDefinitionInput(state, ChannelSequence, state.Job.SeqFile);
+                        ReadLine(e.SequenceInput);
+                        continue;
+                    }
+                    closeTag(tag, deferredActive ? IsDeferredName(tag) : tag.empty());
+                    inTag = false;
+                    tag.clear();
+                } else if (inTag) {
+                    tag += c;
                 } else {
-                    e.PostLine += c;
-                    CountUp(e.NonBlankCount, "NonBlankCount");
+                    text(c);
                 }
-            } else if (c == '@') {
-                if (align != -1) continue;  // a stray @ is lost
-                align = 0;
-                const std::string letter = i + 1 < line.size() ? line.substr(i + 1, 1) : std::string();
-                const std::string digits = i + 2 < line.size() ? line.substr(i + 2, 3) : std::string();
-                const double width = LeadingNumber(digits) - 2;
-                i += 4;
-                const double length = static_cast<double>(e.PostLine.size());
-                if (letter == "L") {
-                    if (length < width) PadSpaces(e.PostLine, width - length);
-                } else {
-                    const double room = width - static_cast<double>(alignBuffer.size());
-                    if (room > length) PadSpaces(e.PostLine, room - length);
-                }
-                e.PostLine += alignBuffer;
-                alignBuffer.clear();
-            } else if (c == '[') {
-                inTag = true;
-            } else if (c == ']') {
-                if (const int layout = LayoutNumber(tag); layout != 0) {
-                    // The rest of the line falls into the tag buffer and is lost.
-                    e.LayoutMode = static_cast<int16_t>(layout);
-                    OpenDefinitionInput(state, ChannelSequence, state.Job.SeqFile);
-                    ReadLine(e.SequenceInput);
-                    continue;
-                }
-                const bool deferred = deferredActive ? IsDeferredName(tag) : tag.empty();
-                if (deferred) {
-                    e.PostLine += "[" + tag + "]";
-                } else if (align == 1) {
-                    const size_t before = e.PostLine.size();
-                    const std::string kept = e.PostLine;
-                    EvaluateWord(state, tag);
-                    if (e.PostLine.size() > before) alignBuffer += e.PostLine.substr(before);
-                    e.PostLine = kept;
-                } else if (!tag.empty()) {
-                    EvaluateWord(state, tag);
-                }
-                inTag = false;
-                tag.clear();
-            } else if (inTag) {
-                tag += c;
-            } else {
-                if (e.FieldTextAdded) previous = -1;
-                if (c != ' ') CountUp(e.NonBlankCount, "NonBlankCount");
-                if (c == ' ' && previous == ' ' && !e.ReportMode) continue;
-                previous = static_cast<unsigned char>(c);
-                if (align == 1) alignBuffer += c;
-                else e.PostLine += c;
             }
         }
 

@@ -3,7 +3,7 @@
 // with a number or another table value; there is no "and" or "or".
 #include <string>
 
-#include "definition/condition_form.h"
+#include "definition/line_forms.h"
 
 namespace tvx {
 

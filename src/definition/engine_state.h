@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "common/textfile.h"
-#include "definition/condition_form.h"
+#include "definition/line_forms.h"
 #include "definition/definition_cache.h"
 
 namespace tvx {
@@ -89,6 +89,10 @@ struct EngineState {
     // The truths of reserved-word lines met, by the line's text (up to TruthsKept of them).
     std::unordered_map<std::string, TruthForm> Truths;
     static constexpr size_t TruthsKept = 4096;
+    // The forms of body lines met, by the line's text (up to BlockLinesKept of them; with 0
+    // every line is read character by character).
+    std::unordered_map<std::string, BlockLineForm> BlockLines;
+    size_t BlockLinesKept = 4096;
 
     // Definition files held in memory, and the held text that each open input channel reads.
     DefinitionCache Cache;

@@ -31,7 +31,7 @@ const std::map<std::string, int>& ModuleHeights() {
 const std::set<std::string>& StateData() {
     static const std::set<std::string> data = {
         "drawing/record.h", "drawing/drawfile.h", "definition/tables.h", "definition/engine_state.h",
-        "definition/definition_cache.h", "definition/condition_form.h",
+        "definition/definition_cache.h", "definition/line_forms.h",
     };
     return data;
 }

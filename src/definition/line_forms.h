@@ -1,5 +1,6 @@
 #pragma once
-// The forms of reserved-word lines and their conditions, read once and kept for the run.
+// Lines of the definition read once and kept for the run: the truths of reserved-word lines
+// with their conditions, and the body lines of blocks.
 #include <string>
 #include <vector>
 
@@ -35,4 +36,19 @@ struct TruthForm {
     bool Conditional = false;
     ConditionForm Condition;
 };
+// A body line of a block in runs: text outside tags, braces, and the tags that "]" closes.
+// Only a line without "@" and without a layout tag has a form: an "@" depends on the
+// alignment in force, and a layout tag leaves the line for the layout.
+struct BlockToken {
+    enum class Kind : uint8_t { Text, Brace, Tag };
+    Kind Type = Kind::Text;
+    std::string Text;       // the text, the brace, or the tag's name
+    bool Blanks = false;    // a text that holds a blank
+    bool Deferred = false;  // a tag whose name is left for the pass over the program
+};
+struct BlockLineForm {
+    bool Usable = false;
+    std::vector<BlockToken> Tokens;
+};
+
 }  // namespace tvx
