@@ -135,6 +135,11 @@ bool IsNumericallyZero(const PostValueType& value) {
 
 namespace {
 
+[[noreturn]] void NoBlankBehindWord(RunState& state, const std::string& word, std::string_view line) {
+    RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + std::string(line) +
+             "\" of file " + state.Job.WordFile);
+}
+
 // The rolling search read line by line, for a word file read as a stream: from the read
 // position to the end, then once more from the top; a second end ends the search with the
 // last line read in the word line.
@@ -156,11 +161,34 @@ void SearchStreamedWordLine(RunState& state, const std::string& word) {
         if (fromTop && AtEnd(in)) e.PostWordLine = line;
         if (!stop) continue;
         e.PostWordLine = line;
-        if (unparsable)
-            RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
-                     "\" of file " + state.Job.WordFile);
+        if (unparsable) NoBlankBehindWord(state, word, e.PostWordLine);
         return;
     }
+}
+
+}  // namespace
+
+namespace {
+
+// The search over the held word file: the place in `stops` of the first stop from the read
+// position on, once more from the top at the end of the file, with the file placed behind it;
+// -1 when the word has no stop at all, the file then at its end. A stop that cannot be parsed
+// is the caller's fault to raise.
+ptrdiff_t HeldWordStop(RunState& state, DefinitionText& text, const std::vector<WordStop>& stops) {
+    TextInput& in = state.Engine.WordInput;
+    const int32_t next = static_cast<int32_t>(
+        std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) - text.LineStart.begin());
+    auto stop = std::lower_bound(stops.begin(), stops.end(), next,
+                                 [](const WordStop& s, int32_t line) { return s.Line < line; });
+    if (stop == stops.end()) {
+        if (stops.empty()) {
+            in.Pos = text.Data->size();
+            return -1;
+        }
+        stop = stops.begin();
+    }
+    in.Pos = text.After(stop->Line);
+    return stop - stops.begin();
 }
 
 }  // namespace
@@ -172,27 +200,18 @@ int32_t SearchWordLine(RunState& state, const std::string& word) {
         return -1;
     }
     DefinitionText& text = HeldTextOf(state, ChannelWord);
-    TextInput& in = e.WordInput;
     const std::vector<WordStop>& stops = WordStopsOf(text, word);
-    const int32_t next = static_cast<int32_t>(
-        std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) - text.LineStart.begin());
-    auto stop = std::lower_bound(stops.begin(), stops.end(), next,
-                                 [](const WordStop& s, int32_t line) { return s.Line < line; });
-    if (stop == stops.end()) {
-        // End of the file: once more from the top, and a second end ends the search.
-        if (stops.empty()) {
-            if (text.LineCount() > 0) e.PostWordLine.assign(text.Line(text.LineCount() - 1));
-            in.Pos = text.Data->size();
-            return -1;
-        }
-        stop = stops.begin();
+    // Found or not, the line in work is the one the search ended at: at the end of the file
+    // that is its last line.
+    const ptrdiff_t stop = HeldWordStop(state, text, stops);
+    if (stop < 0) {
+        if (text.LineCount() > 0) e.PostWordLine.assign(text.Line(text.LineCount() - 1));
+        return -1;
     }
-    e.PostWordLine.assign(text.Line(stop->Line));
-    in.Pos = text.After(stop->Line);
-    if (stop->Unparsable)
-        RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" + e.PostWordLine +
-                 "\" of file " + state.Job.WordFile);
-    return stop->Line;
+    const WordStop& found = stops[static_cast<size_t>(stop)];
+    e.PostWordLine.assign(text.Line(found.Line));
+    if (found.Unparsable) NoBlankBehindWord(state, word, e.PostWordLine);
+    return found.Line;
 }
 
 void EvaluateWord(RunState& state, const std::string& tag) {
@@ -217,10 +236,20 @@ void EvaluateWord(RunState& state, const std::string& tag) {
     std::string cut;
     if (textWanted) cut = tag.substr(0, dot);
     const std::string& word = textWanted ? cut : tag;
-    int32_t lineNumber = SearchWordLine(state, word);
     TextInput& in = e.WordInput;
-    // A held word file gives each line's form once for the run; a streamed one is read anew.
-    DefinitionText* held = lineNumber >= 0 ? &HeldTextOf(state, ChannelWord) : nullptr;
+    // A held word file gives each line's form once for the run, and its stops tell where the
+    // word's lines are; a streamed one is searched and read anew.
+    DefinitionText* held = IsStreamed(in) ? nullptr : &HeldTextOf(state, ChannelWord);
+    const std::vector<WordStop>* stops = nullptr;
+    ptrdiff_t stop = -1;
+    if (held) {
+        stops = &WordStopsOf(*held, word);
+        stop = HeldWordStop(state, *held, *stops);
+        if (stop >= 0 && (*stops)[static_cast<size_t>(stop)].Unparsable)
+            NoBlankBehindWord(state, word, held->Line((*stops)[static_cast<size_t>(stop)].Line));
+    } else {
+        SearchWordLine(state, word);
+    }
     std::optional<WordLineForm> streamed;
     PostValueType index = TextValue("");
     std::string field;
@@ -229,7 +258,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.WordFile);
         const WordLineForm* form = nullptr;
         if (held) {
-            form = &WordLineFormOf(*held, lineNumber);
+            form = &WordLineFormOf(*held, (*stops)[static_cast<size_t>(stop)].Line);
         } else {
             streamed = ParseWordLine(e.PostWordLine);
             form = &*streamed;
@@ -297,15 +326,22 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             }
         }
 
-        // The word's further lines follow directly, each with the word in column 1.
+        // The word's further lines follow directly, each with the word in column 1. The next
+        // line is read, whether it is one of them or not.
         if (AtEnd(in)) break;
+        if (held) {
+            const int32_t line = (*stops)[static_cast<size_t>(stop)].Line + 1;
+            in.Pos = held->After(line);
+            const size_t following = static_cast<size_t>(stop) + 1;
+            if (following == stops->size() || (*stops)[following].Line != line) break;
+            if ((*stops)[following].Unparsable) NoBlankBehindWord(state, word, held->Line(line));
+            ++stop;
+            continue;
+        }
         ReadLine(in, e.PostWordLine);
-        if (held) ++lineNumber;
         bool unparsable = false;
         if (!IsWordLine(e.PostWordLine, word, unparsable)) {
-            if (unparsable)
-                RunFault("Invalid procedure call: no blank behind the word " + word + " in the line \"" +
-                         e.PostWordLine + "\" of file " + state.Job.WordFile);
+            if (unparsable) NoBlankBehindWord(state, word, e.PostWordLine);
             break;
         }
     }
