@@ -104,10 +104,9 @@ std::string PlainNumberText(const PostValueType& value, std::string_view what) {
     return BarePlainText(ValueAsNumber(value, what));
 }
 
-int32_t CellNumber(const PostValueType& index, std::string_view what) {
-    const std::string name(what);
-    if (index.Type != PostValueType::Kind::Text) return ToInteger32(index.Number, name.c_str());
-    return ToInteger32(ValueAsNumber(index, what), name.c_str());
+int32_t CellNumber(const PostValueType& index, const char* what) {
+    if (index.Type != PostValueType::Kind::Text) return ToInteger32(index.Number, what);
+    return ToInteger32(ValueAsNumber(index, what), what);
 }
 
 }  // namespace tvx

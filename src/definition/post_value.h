@@ -38,6 +38,6 @@ std::string PlainNumberText(const PostValueType& value, std::string_view what);
 
 // A cell number: the value rounded to an integer, halves to the even neighbour. A text that
 // is not a number is the fault "Type mismatch".
-int32_t CellNumber(const PostValueType& index, std::string_view what);
+int32_t CellNumber(const PostValueType& index, const char* what);
 
 }  // namespace tvx
