@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
 
 #include "common/fault.h"
@@ -250,7 +251,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
     } else {
         SearchWordLine(state, word);
     }
-    std::optional<WordLineForm> streamed;
+    std::unique_ptr<WordLineForm> streamed;  // made only for a streamed word file
     PostValueType index = TextValue("");
     std::string field;
 
@@ -260,8 +261,8 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         if (held) {
             form = &WordLineFormOf(*held, (*stops)[static_cast<size_t>(stop)].Line);
         } else {
-            streamed = ParseWordLine(e.PostWordLine);
-            form = &*streamed;
+            streamed = std::make_unique<WordLineForm>(ParseWordLine(e.PostWordLine));
+            form = streamed.get();
         }
         if (form->WithIf) e.PostWordLine = form->Line;
         ReadTagValue(state, *form, index, e.PostValue, active);
