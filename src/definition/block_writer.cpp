@@ -394,6 +394,14 @@ void WriteReservedBlock(RunState& state) {
             if (align == 1) alignBuffer += c;
             else e.PostLine += c;
         };
+        // Text without a blank: every character prints and counts, as one by one.
+        auto printRun = [&](std::string_view run) {
+            if (e.NonBlankCount > 32767 - static_cast<int>(run.size())) RunFault("Overflow: NonBlankCount");
+            e.NonBlankCount = static_cast<int16_t>(e.NonBlankCount + static_cast<int>(run.size()));
+            previous = static_cast<unsigned char>(run.back());
+            if (align == 1) alignBuffer += run;
+            else e.PostLine += run;
+        };
         // A tag closed by "]" (not a layout tag).
         auto closeTag = [&](const std::string& name, bool deferred) {
             if (deferred) {
@@ -428,13 +436,7 @@ void WriteReservedBlock(RunState& state) {
                             for (const char c : token.Text) text(c);
                             break;
                         }
-                        // Without a blank every character prints and counts.
-                        if (e.NonBlankCount > 32767 - static_cast<int>(token.Text.size()))
-                            RunFault("Overflow: NonBlankCount");
-                        e.NonBlankCount = static_cast<int16_t>(e.NonBlankCount + static_cast<int>(token.Text.size()));
-                        previous = static_cast<unsigned char>(token.Text.back());
-                        if (align == 1) alignBuffer += token.Text;
-                        else e.PostLine += token.Text;
+                        printRun(token.Text);
                         break;
                 }
             }
@@ -482,8 +484,16 @@ void WriteReservedBlock(RunState& state) {
                     tag.clear();
                 } else if (inTag) {
                     tag += c;
-                } else {
+                } else if (c == ' ') {
                     text(c);
+                } else {
+                    // A run of text without blanks prints and counts whole.
+                    size_t end = i + 1;
+                    while (end < line.size() && line[end] != ' ' && line[end] != '{' && line[end] != '}' &&
+                           line[end] != '@' && line[end] != '[' && line[end] != ']')
+                        ++end;
+                    printRun(std::string_view(line).substr(i, end - i));
+                    i = end - 1;
                 }
             }
         }
