@@ -252,7 +252,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         SearchWordLine(state, word);
     }
     std::unique_ptr<WordLineForm> streamed;  // made only for a streamed word file
-    PostValueType index = TextValue("");
+    PostValueType index;  // an empty text
     std::string field;
 
     for (;;) {
@@ -271,8 +271,9 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             if (!form->CalcClosed)
                 PostAbort(state, "Reserved Word - end of CALC expression ] not found in file " + state.Job.WordFile);
             const std::optional<double> result = EvaluateCalc(state, form->CalcOf);
-            e.PostValue = result ? DoubleValue(*result) : TextValue("");
-            if (form->NLZ && result && *result < 0) e.PostValue = DoubleValue(0);
+            if (result) SetDouble(e.PostValue, *result);
+            else SetText(e.PostValue, "");
+            if (form->NLZ && result && *result < 0) SetDouble(e.PostValue, 0);
         }
 
         if (form->Format && !IsNoValue(e.PostValue)) {
@@ -281,7 +282,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             ApplyFormat(state, form->FormatOf);
         } else {
             e.FormatNOP = false;
-            e.PostValue = TextValue(PlainNumberText(e.PostValue, word));
+            SetText(e.PostValue, PlainNumberText(e.PostValue, word));
         }
 
         if (form->SetCalc) {
@@ -297,7 +298,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         }
 
         // NOP: the line computes and stores, and prints no number.
-        if (e.FormatNOP) e.PostValue = TextValue(NoValueText);
+        if (e.FormatNOP) SetText(e.PostValue, NoValueText);
 
         field.clear();
         if (active && !textWanted) {

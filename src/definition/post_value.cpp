@@ -34,6 +34,26 @@ PostValueType DoubleValue(double number) {
 
 PostValueType NoValue() { return DoubleValue(-9999.0); }
 
+void SetText(PostValueType& value, std::string_view text) {
+    value.Type = PostValueType::Kind::Text;
+    value.Number = 0;
+    value.Text.assign(text);
+}
+
+void SetSingle(PostValueType& value, float number) {
+    value.Type = PostValueType::Kind::Single;
+    value.Number = static_cast<double>(number);
+    value.Text.clear();
+}
+
+void SetDouble(PostValueType& value, double number) {
+    value.Type = PostValueType::Kind::Double;
+    value.Number = number;
+    value.Text.clear();
+}
+
+void SetNoValue(PostValueType& value) { SetDouble(value, -9999.0); }
+
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }

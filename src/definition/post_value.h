@@ -20,6 +20,12 @@ PostValueType DoubleValue(double number);
 // The number -9999.
 PostValueType NoValue();
 
+// The same forms set into a register in place, keeping its text's storage.
+void SetText(PostValueType& value, std::string_view text);
+void SetSingle(PostValueType& value, float number);
+void SetDouble(PostValueType& value, double number);
+void SetNoValue(PostValueType& value);
+
 // True when a text, less the blanks around it, is a whole number in the forms that a number
 // may be written in: sign, digits, point, exponent with E or D; or &H and &O numbers.
 bool IsNumericText(std::string_view text);

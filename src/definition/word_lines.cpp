@@ -255,33 +255,33 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
         case WordLineForm::Table::M: {
             e.TableLetter = 'M';
             TagInner(form.Tag);
-            index = DoubleValue(form.Index);
+            SetDouble(index, form.Index);
             const int32_t n = CellNumber(index, "PostMachine cell");
             savedMemo = t.PostMemo[n];
             if (form.MachineValue) {
                 const float difference = t.PostMachine[n] - t.PostMemo[n];
                 if (RoundTo(static_cast<double>(difference), 3) != 0) {
                     t.PostMemo[n] = t.PostMachine[n];
-                    value = SingleValue(t.PostMachine[n]);
+                    SetSingle(value, t.PostMachine[n]);
                     active = true;
                 } else {
-                    value = NoValue();
+                    SetNoValue(value);
                     active = false;
                 }
             } else {
                 const double x = form.MachineNumber;
-                value = DoubleValue(x);
+                SetDouble(value, x);
                 if (!form.WithIf) {
                     if (static_cast<double>(t.PostMemo[n]) == x) {
                         active = false;
                     } else {
                         t.PostMemo[n] = ToSingle(x);
-                        value = NoValue();
+                        SetNoValue(value);
                         active = true;
                     }
                 } else if (t.PostMachine[n] != t.PostMemo[n] && static_cast<double>(t.PostMachine[n]) == x) {
                     t.PostMemo[n] = ToSingle(x);
-                    value = NoValue();
+                    SetNoValue(value);
                     active = true;
                 } else {
                     active = false;
@@ -293,13 +293,13 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
             e.TableLetter = 'P';
             const std::string& inner = TagInner(form.Tag);
             if (!form.ParamEquals) {
-                index = DoubleValue(form.Index);
-                value = SingleValue(t.PostParam[CellNumber(index, "PostParam cell")]);
+                SetDouble(index, form.Index);
+                SetSingle(value, t.PostParam[CellNumber(index, "PostParam cell")]);
                 active = true;
             } else {
-                index = TextValue(inner);
+                SetText(index, inner);
                 if (ParamEquals(state, form.ParamCell, form.ParamNumber)) {
-                    value = NoValue();
+                    SetNoValue(value);
                     active = true;
                 } else {
                     active = false;
@@ -310,22 +310,22 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
         case WordLineForm::Table::SV:
             if (form.STag.Present) {
                 e.TableLetter = 'S';
-                index = TextValue(TagInner(form.STag));
+                SetText(index, TagInner(form.STag));
                 const int32_t n = CellNumber(index, "PostText cell");
-                value = TextValue(t.PostText[n]);
+                SetText(value, t.PostText[n]);
                 FormatTextValue(state, form);
                 e.TextFromS = ValueAsText(value);
-                value = NoValue();
+                SetNoValue(value);
                 if (n == 25 || n == 26 || n == 27) t.PostText[n].clear();
             }
             if (form.VTag.Present) {
                 e.TableLetter = 'V';
-                index = TextValue(TagInner(form.VTag));
+                SetText(index, TagInner(form.VTag));
                 const int32_t n = CellNumber(index, "PostUserText cell");
-                value = TextValue(t.PostUserText[n]);
+                SetText(value, t.PostUserText[n]);
                 FormatTextValue(state, form);
                 e.TextFromV = ValueAsText(value);
-                value = NoValue();
+                SetNoValue(value);
             }
             break;
         case WordLineForm::Table::None: break;
@@ -390,7 +390,7 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
     const bool up = form.Up;
 
     if (upper) {
-        value = TextValue(Upper(ValueAsText(value)));
+        SetText(value, Upper(ValueAsText(value)));
         if (whole == "UCS") return;
     }
     if (form.Character && form.HasCode) {
@@ -398,9 +398,9 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
         int32_t code = 0;
         if (!RoundsIntoInt32(form.Code, code) || code < 0 || code > 255)
             RunFault("Invalid procedure call: no character of the code in format " + whole);
-        value = TextValue(std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
+        SetText(value, std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
     }
-    if (value.Type == PostValueType::Kind::Text && value.Text.empty()) value = DoubleValue(0);
+    if (value.Type == PostValueType::Kind::Text && value.Text.empty()) SetDouble(value, 0);
 
     // The number forms keep a single as a single; a text becomes a double.
     auto number = [&]() -> PostValueType& {
@@ -414,7 +414,7 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
     if (e.FormatABS) store(std::fabs(number().Number));
     if (e.FormatNEG && number().Number > 0) store(-value.Number);
     if (e.FormatINV) store(-number().Number);
-    if (angle) value = DoubleValue(Norm360(number().Number));
+    if (angle) SetDouble(value, Norm360(number().Number));
     if (down) store(std::floor(number().Number));
     if (up) {
         const double v = number().Number;
@@ -425,8 +425,8 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
     if (decimals != -1) {
         const int32_t places = ToInteger32(decimals, "format");
         const PostValueType& n = number();
-        value = TextValue(n.Type == PostValueType::Kind::Single ? NumberText(static_cast<float>(n.Number), places)
-                                                                 : NumberText(n.Number, places));
+        SetText(value, n.Type == PostValueType::Kind::Single ? NumberText(static_cast<float>(n.Number), places)
+                                                             : NumberText(n.Number, places));
     }
     const double pad = form.Pad;
     if (pad != -1) {
@@ -434,21 +434,21 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
         const size_t point = text.find('.');
         const std::string kept = point == std::string::npos ? std::string() : text.substr(point);
         const int32_t whole32 = TruncToInteger32(ValueAsNumber(value, what), "format");
-        value = TextValue(PadLong(whole32, ToInteger32(pad, "format")) + kept);
+        SetText(value, PadLong(whole32, ToInteger32(pad, "format")) + kept);
     }
     if (value.Type == PostValueType::Kind::Text) {
         size_t blanks = 0;
         while (blanks < value.Text.size() && value.Text[blanks] == ' ') ++blanks;
         value.Text.erase(0, blanks);
     } else {
-        value = TextValue(ValueAsText(value));
+        SetText(value, ValueAsText(value));
     }
     if (form.HasMax) {
         const int32_t count = ToInteger32(form.MaxCount, "format");
         if (count < 0) RunFault("Invalid procedure call: format " + whole);
         if (value.Text.size() > static_cast<size_t>(count)) value.Text.resize(static_cast<size_t>(count));
     }
-    if (plain) value = TextValue(NumberText(ValueAsNumber(value, what), -1));
+    if (plain) SetText(value, NumberText(ValueAsNumber(value, what), -1));
 }
 
 void ReadConvText(RunState& state, const WordLineForm& form, std::string& field) {
@@ -458,11 +458,11 @@ void ReadConvText(RunState& state, const WordLineForm& form, std::string& field)
     if (field == "*") field.clear();
     if (!e.TextFromS.empty()) {
         field = e.TextFromS;
-        e.PostValue = NoValue();
+        SetNoValue(e.PostValue);
     }
     if (!e.TextFromV.empty()) {
         field = e.TextFromV;
-        e.PostValue = NoValue();
+        SetNoValue(e.PostValue);
     }
 }
 
