@@ -53,8 +53,13 @@ bool SevenDigits(float value, uint32_t& digits, int& exponent) {
                                         1000000000000000ull,
                                         10000000000000000ull,
                                         100000000000000000ull};
-    int e10 = static_cast<int>(std::floor(std::log10(magnitude)));
-    for (int attempt = 0; attempt < 3; ++attempt) {
+    // The decimal exponent estimated from the binary one (log10 2 is about 1233/4096), at most
+    // one too small; the rounds below put it right.
+    int bitLength = power2;
+    for (uint64_t m = mantissa; m > 1; m >>= 1) ++bitLength;
+    int e10 = (bitLength * 1233) >> 12;
+    if (bitLength < 0) e10 = -((-bitLength * 1233 + 4095) >> 12);
+    for (int attempt = 0; attempt < 4; ++attempt) {
         // The value times 10^(6 - e10) as numerator over denominator.
         const int k = 6 - e10;
         if (k > 17 || k < -17) return false;
@@ -63,9 +68,19 @@ bool SevenDigits(float value, uint32_t& digits, int& exponent) {
         if (k >= 0) numerator *= Tens[k];
         else denominator *= Tens[-k];
         if (power2 >= 0) numerator <<= power2;
-        else denominator <<= -power2;
-        const Wide whole = numerator / denominator;
-        const Wide rest = numerator % denominator;
+        Wide whole = 0;
+        Wide rest = 0;
+        if (power2 < 0 && k >= 0) {
+            // A denominator of a power of two: the quotient and the rest by shifts.
+            const int shift = -power2;
+            whole = numerator >> shift;
+            rest = numerator & ((Wide{1} << shift) - 1);
+            denominator = Wide{1} << shift;
+        } else {
+            if (power2 < 0) denominator <<= -power2;
+            whole = numerator / denominator;
+            rest = numerator % denominator;
+        }
         if (whole >= 10000000) {
             ++e10;
             continue;
@@ -223,19 +238,20 @@ std::string NumberTextWithPlaces(double value, int places) {
         const bool rounded = places >= 1 ? RoundsIntoInt32(value * scale, whole) : RoundsIntoInt32(value, whole);
         const long long magnitude = whole < 0 ? -static_cast<long long>(whole) : whole;
         if (rounded && (whole == 0 || static_cast<double>(magnitude) * 10000.0 >= scale)) {
-            char buffer[32];
-            const auto end = std::to_chars(buffer, buffer + sizeof buffer, magnitude).ptr;
-            std::string digits(buffer, end);
-            if (digits.size() < static_cast<size_t>(places) + 1)
-                digits.insert(0, static_cast<size_t>(places) + 1 - digits.size(), '0');
-            std::string text = whole < 0 ? "-" : "";
-            const size_t integerDigits = digits.size() - static_cast<size_t>(places);
-            text.append(digits, 0, integerDigits);
-            if (places > 0) {
-                text += '.';
-                text.append(digits, integerDigits, std::string::npos);
+            // The digits, with zeros in front up to one whole digit, then the point put in.
+            char digits[32];
+            const size_t count = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, magnitude).ptr - digits);
+            const size_t wanted = static_cast<size_t>(places) + 1;
+            const size_t zeros = count < wanted ? wanted - count : 0;
+            char text[48];
+            size_t n = 0;
+            if (whole < 0) text[n++] = '-';
+            const size_t integerDigits = count + zeros - static_cast<size_t>(places);
+            for (size_t i = 0; i < count + zeros; ++i) {
+                if (i == integerDigits) text[n++] = '.';
+                text[n++] = i < zeros ? '0' : digits[i - zeros];
             }
-            return text;
+            return std::string(text, n);
         }
     }
     std::string text = Trim(PlainText(RoundTo(value, places)));
