@@ -282,7 +282,11 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             ApplyFormat(state, form->FormatOf);
         } else {
             e.FormatNOP = false;
-            SetText(e.PostValue, PlainNumberText(e.PostValue, word));
+            // No value reads as its own text, "-9999", whichever number form holds it.
+            if (e.PostValue.Type != PostValueType::Kind::Text && e.PostValue.Number == -9999.0)
+                SetText(e.PostValue, NoValueText);
+            else
+                SetText(e.PostValue, PlainNumberText(e.PostValue, word));
         }
 
         if (form->SetCalc) {

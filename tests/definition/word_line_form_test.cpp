@@ -14,6 +14,7 @@
 #include "definition/calc.h"
 #include "definition/definition_files.h"
 #include "definition/engine_rig.h"
+#include "definition/post_value.h"
 #include "definition/word_lines.h"
 #include "state/run_state.h"
 
@@ -270,4 +271,10 @@ TEST(CalcChain, CellWithAnExponentTextGoesTheWayOfTheText) {
     const auto v = EvaluateCalc(state, ParseCalc("P1+1"));
     ASSERT_TRUE(v.has_value());
     EXPECT_EQ(*v, 10.0);
+}
+
+TEST(PostValue, NoValueInEitherNumberFormReadsAsItsOwnText) {
+    EXPECT_EQ(PlainNumberText(SingleValue(-9999.0f), "w"), NoValueText);
+    EXPECT_EQ(PlainNumberText(DoubleValue(-9999.0), "w"), NoValueText);
+    EXPECT_TRUE(IsNoValue(TextValue(NoValueText)));
 }
