@@ -10,6 +10,7 @@
 #include "common/fault.h"
 #include "common/numtext.h"
 #include "common/paths.h"
+#include "common/stdio_unlocked.h"
 
 namespace tvx {
 
@@ -227,29 +228,16 @@ void CloseText(TextOutput& out) { out.File.reset(); }
 
 bool IsOpen(const TextOutput& out) { return out.File != nullptr; }
 
-namespace {
-
-// The run has one thread: its files need no locking.
-size_t WriteBytes(const char* data, size_t size, std::FILE* file) {
-#if defined(__GLIBC__)
-    return fwrite_unlocked(data, 1, size, file);
-#else
-    return std::fwrite(data, 1, size, file);
-#endif
-}
-
-}  // namespace
-
 void WriteText(TextOutput& out, std::string_view text) {
     if (!out.File) FileFault("File not open", out.Path);
-    if (!text.empty() && WriteBytes(text.data(), text.size(), out.File.get()) != text.size())
+    if (!text.empty() && WriteUnlocked(text.data(), text.size(), out.File.get()) != text.size())
         FileFault("Cannot write file", out.Path);
 }
 
 void WriteLine(TextOutput& out, std::string_view text) {
     if (!out.File) FileFault("File not open", out.Path);
-    if ((!text.empty() && WriteBytes(text.data(), text.size(), out.File.get()) != text.size()) ||
-        WriteBytes("\r\n", 2, out.File.get()) != 2)
+    if ((!text.empty() && WriteUnlocked(text.data(), text.size(), out.File.get()) != text.size()) ||
+        WriteUnlocked("\r\n", 2, out.File.get()) != 2)
         FileFault("Cannot write file", out.Path);
 }
 

@@ -10,6 +10,7 @@
 #include "common/fault.h"
 #include "common/numtext.h"
 #include "common/paths.h"
+#include "common/stdio_unlocked.h"
 #include "common/textfile.h"
 
 namespace tvx {
@@ -312,35 +313,6 @@ void CloseDrawing(DrawingFile& file) {
 
 bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
 
-namespace {
-
-// The run has one thread: a drawing's handle needs no locking for its reads.
-size_t ReadUnlocked(unsigned char* data, size_t size, std::FILE* f) {
-#if defined(__GLIBC__)
-    return fread_unlocked(data, 1, size, f);
-#else
-    return std::fread(data, 1, size, f);
-#endif
-}
-
-bool ReadFailed(std::FILE* f) {
-#if defined(__GLIBC__)
-    return ferror_unlocked(f) != 0;
-#else
-    return std::ferror(f) != 0;
-#endif
-}
-
-void ClearState(std::FILE* f) {
-#if defined(__GLIBC__)
-    clearerr_unlocked(f);
-#else
-    std::clearerr(f);
-#endif
-}
-
-}  // namespace
-
 size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes) {
     RequireOpen(file);
     FlushDrawing(file);
@@ -351,11 +323,11 @@ size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes) {
     file.ReadPosition = -1;
     if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = ReadUnlocked(bytes.data(), RecordLength, f);
     if (got == RecordLength) file.ReadPosition = static_cast<int64_t>(position) + static_cast<int64_t>(RecordLength);
-    if (ReadFailed(f)) {
-        ClearState(f);
+    if (FailedUnlocked(f)) {
+        ClearUnlocked(f);
         FileFault("Cannot read file", file.Path);
     }
-    ClearState(f);
+    ClearUnlocked(f);
     if (got < RecordLength) std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), 0);
     return got;
 }
