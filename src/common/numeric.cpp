@@ -13,12 +13,29 @@ namespace {
 // The period loops: add while below 0, subtract while at or above the period, so that an
 // angle already in range keeps its bits. An angle so large that the loops would run for
 // millions of turns (or never end, for an infinite value) is reduced by the remainder first.
+//
+// Below that every step of the loops but the last is exact (the period is a whole number and
+// every value on the way a multiple of the angle's last place), so the value before the last
+// step is the exact remainder, which fmod gives at once; the last steps, an addition that may
+// round and what the second loop makes of it, are then made as the loops make them. The loops
+// end on +0 for a multiple of the period.
 double NormPeriod(double angle, double period) {
     if (!std::isfinite(angle)) return std::isnan(angle) ? angle : 0.0;
-    if (std::fabs(angle) > 1.0e9) angle = std::fmod(angle, period);
-    while (angle < 0) angle += period;
-    while (angle >= period) angle -= period;
-    return angle;
+    if (angle >= 0 && angle < period) return angle;
+    if (std::fabs(angle) > 1.0e9) {
+        angle = std::fmod(angle, period);
+        while (angle < 0) angle += period;
+        while (angle >= period) angle -= period;
+        return angle;
+    }
+    const double rest = std::fmod(angle, period);
+    if (rest < 0) {
+        // The last addition may round up to the period itself, which the loops then take back
+        // to 0.
+        const double turned = rest + period;
+        return turned >= period ? turned - period : turned;
+    }
+    return rest == 0 ? 0.0 : rest;
 }
 
 }  // namespace

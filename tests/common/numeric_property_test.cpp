@@ -138,3 +138,36 @@ RC_GTEST_PROP(NumberTextProperty, PlacesGiveExactlyThatManyDecimals, ()) {
     }
     RC_ASSERT(std::fabs(LeadingNumber(text) - value) <= 0.5 / PowerOfTen(places) + 1e-9);
 }
+
+namespace {
+
+// The period loops as they stand, one turn at a time.
+double NormByTurns(double angle, double period) {
+    while (angle < 0) angle += period;
+    while (angle >= period) angle -= period;
+    return angle;
+}
+
+bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+}  // namespace
+
+// The remainder taken at once gives the bits of the loops, sign of zero included.
+RC_GTEST_PROP(NormPeriodProperty, RemainderAtOnceIsTheLoopsTurnByTurn, ()) {
+    const double scale = *rc::gen::element(1e-20, 1e-3, 1.0, 360.0, 1e4, 1e6);
+    const double angle = static_cast<double>(*rc::gen::inRange(-10000000, 10000000)) * scale / 7.0 +
+                         *rc::gen::element(0.0, -0.0, 1e-17, -1e-17, 0.3);
+    RC_PRE(std::fabs(angle) < 2e7);
+    RC_ASSERT(SameBits(Norm360(angle), NormByTurns(angle, 360.0)));
+    RC_ASSERT(SameBits(Norm180(angle), NormByTurns(angle, 180.0)));
+    RC_ASSERT(SameBits(Norm90(angle), NormByTurns(angle, 90.0)));
+}
+
+TEST(NormPeriod, EdgesKeepTheLoopsBits) {
+    for (double a : {-0.0, 0.0, -360.0, 360.0, 720.0, -720.0, -1e-20, 359.99999999999994, -359.99999999999994, 1e-300,
+                     -1e-300, 1e9 + 0.5, -1e9 - 0.25})
+        EXPECT_TRUE(SameBits(Norm360(a), NormByTurns(a, 360.0))) << a;
+    // Far beyond the loops' reach an angle still comes back in range, and at once.
+    EXPECT_GE(Norm360(1e300), 0.0);
+    EXPECT_LT(Norm360(1e300), 360.0);
+}
