@@ -97,9 +97,7 @@ double RoundTo(double value, int places) {
     if (places > 6) places = 6;
     int32_t whole = 0;
     if (places >= 1) {
-        // The powers of ten as the product of tens makes them (each exact).
-        static constexpr double Scales[] = {1.0, 10.0, 100.0, 1000.0, 10000.0, 100000.0, 1000000.0};
-        const double scale = Scales[places];
+        const double scale = PowersOfTen[places];
         if (RoundsIntoInt32(value * scale, whole)) return static_cast<double>(whole) / scale;
     } else {
         if (RoundsIntoInt32(value, whole)) return static_cast<double>(whole);

@@ -8,6 +8,10 @@ namespace tvx {
 
 inline constexpr double Pi = 3.14159265;
 
+// The powers of ten from 1E+00 to 1E+22, every one exact in a double.
+inline constexpr double PowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                         1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 // Rounds a double to the nearest 32-bit single: every store into a record or a table cell
 // goes through this. A finite value beyond the single's range is the fault "Overflow".
 float ToSingle(double v);

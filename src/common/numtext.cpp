@@ -120,8 +120,7 @@ size_t WritePlainTextDigits(char* out, double value, int digits, int exponentLim
     if (value == 0) return put(" 0");
     // A whole number of no more digits than the form keeps is its own digits: written
     // directly, as the conversion below would give it.
-    double limit = 1;
-    for (int i = 0; i < digits; ++i) limit *= 10;
+    const double limit = PowersOfTen[digits];
     if (std::fabs(value) < limit && value == std::trunc(value)) {
         out[0] = value < 0 ? '-' : ' ';
         const auto end = std::to_chars(out + 1, out + PlainTextRoom, static_cast<long long>(std::fabs(value))).ptr;
@@ -232,8 +231,7 @@ std::string NumberTextWithPlaces(double value, int places) {
     // rounded value gives. A value whose plain text takes an exponent (below 1E-04) goes the
     // general way below, where it becomes 0.
     {
-        double scale = 1.0;
-        for (int i = 0; i < places; ++i) scale *= 10.0;
+        const double scale = places > 0 ? PowersOfTen[places] : 1.0;
         int32_t whole = 0;
         const bool rounded = places >= 1 ? RoundsIntoInt32(value * scale, whole) : RoundsIntoInt32(value, whole);
         const long long magnitude = whole < 0 ? -static_cast<long long>(whole) : whole;
@@ -427,11 +425,9 @@ double NumberThroughPlainText(float value) {
     uint32_t seven = 0;
     int exponent = 0;
     if (SevenDigits(value, seven, exponent)) {
-        static constexpr double Powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                            1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
         const int power = exponent - 6;
-        const double magnitude = power >= 0 ? static_cast<double>(seven) * Powers[power]
-                                            : static_cast<double>(seven) / Powers[-power];
+        const double magnitude = power >= 0 ? static_cast<double>(seven) * PowersOfTen[power]
+                                            : static_cast<double>(seven) / PowersOfTen[-power];
         return value < 0 ? -magnitude : magnitude;
     }
     char buffer[64];
@@ -481,6 +477,19 @@ std::string Trim(std::string_view text) {
     while (b < e && text[b] == ' ') ++b;
     while (e > b && text[e - 1] == ' ') --e;
     return std::string(text.substr(b, e - b));
+}
+
+void TrimLeftInPlace(std::string& text) {
+    size_t b = 0;
+    while (b < text.size() && text[b] == ' ') ++b;
+    text.erase(0, b);
+}
+
+void TrimInPlace(std::string& text) {
+    size_t e = text.size();
+    while (e > 0 && text[e - 1] == ' ') --e;
+    text.resize(e);
+    TrimLeftInPlace(text);
 }
 
 std::string TrimLeft(std::string_view text) {

@@ -52,6 +52,9 @@ std::string GetExtension(std::string_view text);
 std::string Trim(std::string_view text);
 std::string TrimLeft(std::string_view text);
 std::string TrimRight(std::string_view text);
+// The same, in place.
+void TrimInPlace(std::string& text);
+void TrimLeftInPlace(std::string& text);
 std::string Upper(std::string_view text);
 bool Holds(std::string_view text, std::string_view part);
 

@@ -108,13 +108,7 @@ void RouteLine(RunState& state) {
     EngineState& e = state.Engine;
     const ValueTables& t = state.Tables;
     std::string& line = e.PostLine;
-    // Trimmed in place.
-    size_t end = line.size();
-    while (end > 0 && line[end - 1] == ' ') --end;
-    line.resize(end);
-    size_t blanks = 0;
-    while (blanks < line.size() && line[blanks] == ' ') ++blanks;
-    line.erase(0, blanks);
+    TrimInPlace(line);
     const bool notSign = line.size() == 1 && line[0] == '\xAC';
     if (notSign && e.RenumberMode) line.assign(1, '\0');
     if (t.PostParam[9] == 100.0f) {
@@ -282,11 +276,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             ApplyFormat(state, form->FormatOf);
         } else {
             e.FormatNOP = false;
-            // No value reads as its own text, "-9999", whichever number form holds it.
-            if (e.PostValue.Type != PostValueType::Kind::Text && e.PostValue.Number == -9999.0)
-                SetText(e.PostValue, NoValueText);
-            else
-                SetText(e.PostValue, PlainNumberText(e.PostValue, word));
+            SetText(e.PostValue, PlainNumberText(e.PostValue, word));
         }
 
         if (form->SetCalc) {

@@ -15,16 +15,15 @@ namespace {
 // The three table letters of an expression, in the order in which an operator resolves them.
 enum Reference { RefV = 0, RefP = 1, RefM = 2, RefCount = 3 };
 
-// The plain text of the referenced cell, with its leading blank for a value that is not
-// negative, appended to the text. The text table V gives the plain text of its cell's
-// leading number. The cell number is the leading number of the characters collected behind
-// the letter, rounded with halves to even; nothing collected is cell 0.
-void AppendCellText(RunState& state, char table, double cellNumber, std::string& text) {
+// The single of a referenced cell: P PostParam, M PostMachine, and for the text table V the
+// leading number of its cell's text. The cell number is the leading number of the characters
+// collected behind the letter, rounded with halves to even; nothing collected is cell 0.
+float CellSingle(RunState& state, char table, double cellNumber) {
     const int32_t cell = ToInteger32(cellNumber, "cell number");
     switch (table) {
-        case 'P': AppendPlainText(text, state.Tables.PostParam[cell]); break;
-        case 'M': AppendPlainText(text, state.Tables.PostMachine[cell]); break;
-        default: AppendPlainText(text, ToSingle(LeadingNumber(state.Tables.PostUserText[cell]))); break;
+        case 'P': return state.Tables.PostParam[cell];
+        case 'M': return state.Tables.PostMachine[cell];
+        default: return ToSingle(LeadingNumber(state.Tables.PostUserText[cell]));
     }
 }
 
@@ -87,7 +86,7 @@ void SubstituteCalc(RunState& state, const std::vector<CalcPiece>& pieces, std::
     expr.clear();
     for (const CalcPiece& piece : pieces) {
         if (piece.Table == 0) expr += piece.Literal;
-        else AppendCellText(state, piece.Table, piece.Cell, expr);
+        else AppendPlainText(expr, CellSingle(state, piece.Table, piece.Cell));  // with its blank
     }
 }
 
@@ -134,13 +133,7 @@ bool ChainTerms(const std::vector<CalcPiece>& pieces, std::vector<CalcTerm>& ter
 // The number that a cell's text reads as in the evaluator, or false when its text takes an
 // exponent (or may: the range is kept safely inside the one of the plain form).
 bool ChainCellValue(RunState& state, const CalcTerm& term, double& value) {
-    const int32_t cell = ToInteger32(term.Cell, "cell number");
-    float single = 0;
-    switch (term.Table) {
-        case 'P': single = state.Tables.PostParam[cell]; break;
-        case 'M': single = state.Tables.PostMachine[cell]; break;
-        default: single = ToSingle(LeadingNumber(state.Tables.PostUserText[cell])); break;
-    }
+    const float single = CellSingle(state, term.Table, term.Cell);
     const double magnitude = std::fabs(static_cast<double>(single));
     if (single != 0 && (magnitude < 1e-4 || magnitude >= 9999999.0)) return false;
     value = NumberThroughPlainText(single);

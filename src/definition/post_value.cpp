@@ -120,6 +120,8 @@ PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view wh
 }
 
 std::string PlainNumberText(const PostValueType& value, std::string_view what) {
+    // No value reads as its own text, whichever number form holds it.
+    if (value.Type != PostValueType::Kind::Text && value.Number == -9999.0) return NoValueText;
     if (value.Type == PostValueType::Kind::Single) return BarePlainText(static_cast<float>(value.Number));
     return BarePlainText(ValueAsNumber(value, what));
 }

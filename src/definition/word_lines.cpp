@@ -212,8 +212,7 @@ WordLineForm ParseWordLine(const std::string& text) {
         const size_t close = line.find(']', calc);
         f.CalcClosed = close != std::string::npos;
         if (f.CalcClosed) {
-            f.CalcExpression = line.substr(calc + 5, close - calc - 5);
-            f.CalcOf = ParseCalc(f.CalcExpression);
+            f.CalcOf = ParseCalc(line.substr(calc + 5, close - calc - 5));
         }
     }
     f.NLZ = Holds(line, "NLZ");
@@ -437,9 +436,7 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
         SetText(value, PadLong(whole32, ToInteger32(pad, "format")) + kept);
     }
     if (value.Type == PostValueType::Kind::Text) {
-        size_t blanks = 0;
-        while (blanks < value.Text.size() && value.Text[blanks] == ' ') ++blanks;
-        value.Text.erase(0, blanks);
+        TrimLeftInPlace(value.Text);
     } else {
         SetText(value, ValueAsText(value));
     }

@@ -72,7 +72,6 @@ struct WordLineForm {
     // The rest of the line.
     bool Calc = false;
     bool CalcClosed = false;
-    std::string CalcExpression;
     CalcForm CalcOf;
     bool NLZ = false;
     bool Format = false;

@@ -147,3 +147,13 @@ TEST(QuickNumberText, SeventhDigitTiesGoToTheEvenDigitAsPrintfRoundsThem) {
     for (float v : {1e-10f, 9.99999e19f, 1e20f, 0.1f, 0.3f, 123.456f, -0.001f, 3.4028235e38f, 1.17549435e-38f})
         EXPECT_EQ(PlainText(v), PlainTextByHand(static_cast<double>(v), 7, 7)) << v;
 }
+
+RC_GTEST_PROP(QuickNumberText, TrimInPlaceIsTheTrim, ()) {
+    const std::string text = *rc::gen::container<std::string>(rc::gen::element<char>(' ', 'a', '\t', '\xAC'));
+    std::string both = text;
+    std::string left = text;
+    TrimInPlace(both);
+    TrimLeftInPlace(left);
+    RC_ASSERT(both == Trim(text));
+    RC_ASSERT(left == TrimLeft(text));
+}

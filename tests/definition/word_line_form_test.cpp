@@ -30,7 +30,6 @@ TEST(WordLineForm, ReadsTheTableTagAndTheRestOfTheLine) {
     EXPECT_FALSE(f.MachineValue);
     EXPECT_EQ(f.MachineNumber, 2);
     EXPECT_TRUE(f.Calc);
-    EXPECT_EQ(f.CalcExpression, "P1+1");
     ASSERT_EQ(f.CalcOf.Pieces.size(), 2u);
     EXPECT_EQ(f.CalcOf.Pieces[0].Table, 'P');
     EXPECT_EQ(f.CalcOf.Pieces[1].Literal, "+1");

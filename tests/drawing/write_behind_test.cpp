@@ -44,13 +44,20 @@ void MakeHeld(DrawingFile& file, const std::string& path) {
     file.WriteBehind = true;
 }
 
+// A working file written behind, in a directory of its own.
+struct HeldFile {
+    TempDir Dir;
+    std::string Path;
+    DrawingFile File;
+    explicit HeldFile(const std::string& name) : Path(Dir.Path + "/" + name) { MakeHeld(File, Path); }
+};
+
 }  // namespace
 
 TEST(WriteBehind, HeldRecordsAreNotOnDiskUntilWritten) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     for (int n = 1; n <= 10; ++n) WriteRecord(f, n, Coded(static_cast<int16_t>(200 + n)));
     EXPECT_EQ(SizeOf(path), 0u);
     EXPECT_EQ(f.Held.size(), 10u * RecordLength);
@@ -61,9 +68,8 @@ TEST(WriteBehind, HeldRecordsAreNotOnDiskUntilWritten) {
 }
 
 TEST(WriteBehind, HeldRecordsReadBackThroughTheSameHandle) {
-    TempDir dir;
-    DrawingFile f;
-    MakeHeld(f, dir.Path + "/PTemp.tmp");
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
     WriteRecord(f, 1, Coded(1, 3));
     WriteRecord(f, 2, Coded(210));
     WriteRecord(f, 3, Coded(350));
@@ -77,10 +83,9 @@ TEST(WriteBehind, HeldRecordsReadBackThroughTheSameHandle) {
 }
 
 TEST(WriteBehind, AHeldRecordIsReplacedInPlace) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(1));
     WriteRecord(f, 2, Coded(210));
     WriteRecord(f, 3, Coded(350));
@@ -99,10 +104,9 @@ TEST(WriteBehind, AHeldRecordIsReplacedInPlace) {
 }
 
 TEST(WriteBehind, AWriteElsewhereWritesTheHeldRunFirst) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(1));
     WriteRecord(f, 2, Coded(210));
     // Record 5 is neither held nor behind the run: the run goes to disk, record 5 starts a new
@@ -121,10 +125,9 @@ TEST(WriteBehind, AWriteElsewhereWritesTheHeldRunFirst) {
 }
 
 TEST(WriteBehind, AWriteBeforeTheRunOfARecordAlreadyWrittenReplacesIt) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(1));
     WriteRecord(f, 2, Coded(210));
     FlushDrawing(f);
@@ -138,9 +141,8 @@ TEST(WriteBehind, AWriteBeforeTheRunOfARecordAlreadyWrittenReplacesIt) {
 }
 
 TEST(WriteBehind, RecordsOnDiskCountsHeldRecords) {
-    TempDir dir;
-    DrawingFile f;
-    MakeHeld(f, dir.Path + "/PTemp.tmp");
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
     EXPECT_EQ(RecordsOnDisk(f), 0);
     for (int n = 1; n <= 7; ++n) WriteRecord(f, n, Coded(210));
     EXPECT_EQ(RecordsOnDisk(f), 7);
@@ -148,10 +150,9 @@ TEST(WriteBehind, RecordsOnDiskCountsHeldRecords) {
 }
 
 TEST(WriteBehind, CloseDrawingWritesHeldRecordsAndEndsTheWriteBehind) {
-    TempDir dir;
-    const std::string path = dir.Path + "/Shape.drw";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("Shape.drw");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(120));
     WriteRecord(f, 2, Coded(130));
     CloseDrawing(f);
@@ -162,10 +163,9 @@ TEST(WriteBehind, CloseDrawingWritesHeldRecordsAndEndsTheWriteBehind) {
 }
 
 TEST(WriteBehind, ReopeningWritesHeldRecordsAndEndsTheWriteBehind) {
-    TempDir dir;
-    const std::string path = dir.Path + "/Shape.drw";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("Shape.drw");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(120));
     OpenDrawing(f, path);
     EXPECT_FALSE(f.WriteBehind);
@@ -175,10 +175,9 @@ TEST(WriteBehind, ReopeningWritesHeldRecordsAndEndsTheWriteBehind) {
 }
 
 TEST(WriteBehind, ARunOf256RecordsIsWrittenInOneGoAndTheNextRunStartsBehindIt) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     ASSERT_EQ(WriteBehindRecords, 256u);
     for (int n = 1; n <= 255; ++n) WriteRecord(f, n, Coded(static_cast<int16_t>(n)));
     EXPECT_EQ(SizeOf(path), 0u);
@@ -197,10 +196,9 @@ TEST(WriteBehind, ARunOf256RecordsIsWrittenInOneGoAndTheNextRunStartsBehindIt) {
 }
 
 TEST(WriteBehind, WriteRecordsWritesTheHeldRunFirst) {
-    TempDir dir;
-    const std::string path = dir.Path + "/PTemp.tmp";
-    DrawingFile f;
-    MakeHeld(f, path);
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
+    const std::string& path = held.Path;
     WriteRecord(f, 1, Coded(1));
     WriteRecord(f, 2, Coded(210));
     const std::vector<DrawRecord> over = {Coded(311), Coded(350)};
@@ -212,9 +210,8 @@ TEST(WriteBehind, WriteRecordsWritesTheHeldRunFirst) {
 }
 
 TEST(WriteBehind, AHeldWriteOfABadNumberIsAFaultAtOnce) {
-    TempDir dir;
-    DrawingFile f;
-    MakeHeld(f, dir.Path + "/PTemp.tmp");
+    HeldFile held("PTemp.tmp");
+    DrawingFile& f = held.File;
     EXPECT_THROW(WriteRecord(f, 0, Coded(1)), RunEnd);
     EXPECT_TRUE(f.Held.empty());
     DrawingFile closed;

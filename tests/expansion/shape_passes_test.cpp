@@ -49,6 +49,15 @@ std::vector<DrawRecord> NothingToExpand() {
 
 std::string FileBytes(const std::string& path) { return ReadAllBytes(path); }
 
+// A single-D shape whose flat lies far outside its circle: it cannot be split.
+DrawRecord UnsplittableSingleD() {
+    DrawRecord singleD = Entity(152);
+    singleD.Point[4] = SinglePoint{5, 5};
+    singleD.Value[1] = 5;
+    singleD.Value[2] = 30;
+    return singleD;
+}
+
 }  // namespace
 
 TEST(AssociativeToolingPass, ADrawingWithNothingToExpandComesBackByteForByte) {
@@ -503,10 +512,7 @@ TEST(MeasurePart, ACustomToolWhoseDrawingIsMissingStartsAtItsPosition) {
 // A split that cannot be made ends the run with a fault that names the record and the drawing.
 TEST(ShapePass, AShapeThatCannotBeSplitNamesItsRecordAndDrawing) {
     PassFixture f;
-    DrawRecord singleD = Entity(152);  // a flat far outside its circle
-    singleD.Point[4] = SinglePoint{5, 5};
-    singleD.Value[1] = 5;
-    singleD.Value[2] = 30;
+    const DrawRecord singleD = UnsplittableSingleD();
     const std::string drawing = f.Path("Progmain.drw");
     WriteDrawing(drawing, {Header(3), Entity(110), singleD});
     try {
@@ -667,10 +673,7 @@ TEST(AssociativeToolingPass, ADrawingThatShrinksKeepsItsOldRecordsBehindTheNewCo
 // split in whole runs of 256, as a walk that wrote every record leaves it.
 TEST(ShapePass, AFailedSplitLeavesTheWorkingFileAsAWholeRewriteLeavesIt) {
     PassFixture f;
-    DrawRecord singleD = Entity(152);  // a flat far outside its circle
-    singleD.Point[4] = SinglePoint{5, 5};
-    singleD.Value[1] = 5;
-    singleD.Value[2] = 30;
+    const DrawRecord singleD = UnsplittableSingleD();
     const std::string drawing = f.Path("Progmain.drw");
     WriteDrawing(drawing, Around(599, {singleD}, 3));
     try {
