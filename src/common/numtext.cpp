@@ -289,14 +289,17 @@ std::string PlainText(int32_t value) {
 
 namespace {
 
-// The commonest leading number, a whole number of up to fifteen digits with or without a
-// sign, read directly; false when the text needs the full reading (a point, an exponent, an
-// &H or &O prefix, more digits).
-bool LeadingWholeNumber(std::string_view text, double& value) {
+// The commonest leading numbers, a whole number or a plain decimal of up to fifteen digits
+// with or without a sign, read directly: the digits as one whole number over a power of ten,
+// both exact, divide to the correctly rounded value that strtod gives. False when the text
+// needs the full reading (an exponent, an &H or &O prefix, more digits).
+bool LeadingShortNumber(std::string_view text, double& value) {
     bool negative = false;
     bool started = false;
+    bool point = false;
     long long whole = 0;
     int digits = 0;
+    int places = 0;
     for (char c : text) {
         if (IsBlankForNumber(c)) continue;
         if (!started) {
@@ -310,23 +313,29 @@ bool LeadingWholeNumber(std::string_view text, double& value) {
         if (c >= '0' && c <= '9') {
             if (++digits > 15) return false;
             whole = whole * 10 + (c - '0');
+            if (point) ++places;
             continue;
         }
-        if (c == '.' || c == 'E' || c == 'e' || c == 'D' || c == 'd') return false;
+        if (c == '.' && !point) {
+            point = true;
+            continue;
+        }
+        if (c == 'E' || c == 'e' || c == 'D' || c == 'd') return false;
         break;
     }
     if (digits == 0) {
         value = 0;
         return true;
     }
-    value = negative ? -static_cast<double>(whole) : static_cast<double>(whole);
+    const double magnitude = static_cast<double>(whole) / PowersOfTen[places];
+    value = negative ? -magnitude : magnitude;
     return true;
 }
 
 }  // namespace
 
 double LeadingNumber(std::string_view text) {
-    if (double whole = 0; LeadingWholeNumber(text, whole)) return whole;
+    if (double number = 0; LeadingShortNumber(text, number)) return number;
     // The text without its blanks; a short one stays on the stack.
     char shortClean[128];
     std::string longClean;

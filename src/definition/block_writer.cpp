@@ -59,14 +59,14 @@ BlockLineForm ParseBlockLine(const std::string& line) {
         if (c == '@') return BlockLineForm{};
         if (c == '{' || c == '}') {
             flush();
-            form.Tokens.push_back(BlockToken{BlockToken::Kind::Brace, std::string(1, c), false, false});
+            form.Tokens.push_back(BlockToken{BlockToken::Kind::Brace, std::string(1, c), false, false, WordTag{}});
         } else if (c == '[') {
             flush();
             inTag = true;
         } else if (c == ']') {
             if (LayoutNumber(tag) != 0) return BlockLineForm{};
             flush();
-            form.Tokens.push_back(BlockToken{BlockToken::Kind::Tag, tag, false, IsDeferredName(tag)});
+            form.Tokens.push_back(BlockToken{BlockToken::Kind::Tag, tag, false, IsDeferredName(tag), MakeWordTag(tag)});
             inTag = false;
             tag.clear();
         } else if (inTag) {
@@ -171,18 +171,25 @@ namespace {
 // is the caller's fault to raise.
 ptrdiff_t HeldWordStop(RunState& state, DefinitionText& text, const std::vector<WordStop>& stops) {
     TextInput& in = state.Engine.WordInput;
-    const int32_t next = static_cast<int32_t>(
-        std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) - text.LineStart.begin());
+    int32_t& hint = state.Engine.WordLineHint;
+    // Line starts rise strictly, so a line that starts at the position is the one a search
+    // would find.
+    int32_t next = hint;
+    if (next < 0 || static_cast<size_t>(next) >= text.LineStart.size() || text.LineStart[static_cast<size_t>(next)] != in.Pos)
+        next = static_cast<int32_t>(std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) -
+                                    text.LineStart.begin());
     auto stop = std::lower_bound(stops.begin(), stops.end(), next,
                                  [](const WordStop& s, int32_t line) { return s.Line < line; });
     if (stop == stops.end()) {
         if (stops.empty()) {
             in.Pos = text.Data->size();
+            hint = text.LineCount();
             return -1;
         }
         stop = stops.begin();
     }
     in.Pos = text.After(stop->Line);
+    hint = stop->Line + 1;
     return stop - stops.begin();
 }
 
@@ -209,13 +216,28 @@ int32_t SearchWordLine(RunState& state, const std::string& word) {
     return found.Line;
 }
 
-void EvaluateWord(RunState& state, const std::string& tag) {
+WordTag MakeWordTag(const std::string& tag) {
+    WordTag w;
+    w.Tag = tag;
+    // "WORD.text" asks for the text of the word's lines.
+    const size_t dot = tag.find(".text");
+    w.TextWanted = dot != std::string::npos;
+    w.Word = w.TextWanted ? tag.substr(0, dot) : tag;
+    if (w.Word == "BLOCK_NUMBER1") w.BlockNumber = 1;
+    else if (w.Word == "BLOCK_NUMBER2") w.BlockNumber = 2;
+    w.Renumbered = Holds(tag, "BLOCK_NUMBER");
+    return w;
+}
+
+void EvaluateWord(RunState& state, const std::string& tag) { EvaluateWord(state, MakeWordTag(tag)); }
+
+void EvaluateWord(RunState& state, const WordTag& tag) {
     EngineState& e = state.Engine;
     ValueTables& t = state.Tables;
-    if (e.RenumberMode && !Holds(tag, "BLOCK_NUMBER")) {
+    if (e.RenumberMode && !tag.Renumbered) {
         // Evaluated in the normal pass already: copied as it stands.
         e.PostLine += '[';
-        e.PostLine += tag;
+        e.PostLine += tag.Tag;
         e.PostLine += ']';
         return;
     }
@@ -225,12 +247,8 @@ void EvaluateWord(RunState& state, const std::string& tag) {
     e.FormatNEG = false;
     e.FormatABS = false;
     e.FormatINV = false;
-    // "WORD.text" asks for the text of the word's lines.
-    const size_t dot = tag.find(".text");
-    const bool textWanted = dot != std::string::npos;
-    std::string cut;
-    if (textWanted) cut = tag.substr(0, dot);
-    const std::string& word = textWanted ? cut : tag;
+    const bool textWanted = tag.TextWanted;
+    const std::string& word = tag.Word;
     TextInput& in = e.WordInput;
     // A held word file gives each line's form once for the run, and its stops tell where the
     // word's lines are; a streamed one is searched and read anew.
@@ -238,7 +256,11 @@ void EvaluateWord(RunState& state, const std::string& tag) {
     const std::vector<WordStop>* stops = nullptr;
     ptrdiff_t stop = -1;
     if (held) {
-        stops = &WordStopsOf(*held, word);
+        if (tag.StopsSerial != held->Serial) {
+            tag.Stops = &WordStopsOf(*held, word);
+            tag.StopsSerial = held->Serial;
+        }
+        stops = tag.Stops;
         stop = HeldWordStop(state, *held, *stops);
         if (stop >= 0 && (*stops)[static_cast<size_t>(stop)].Unparsable)
             NoBlankBehindWord(state, word, held->Line((*stops)[static_cast<size_t>(stop)].Line));
@@ -311,10 +333,10 @@ void EvaluateWord(RunState& state, const std::string& tag) {
             e.PostLine += field;
             if (!field.empty()) e.FieldTextAdded = true;
             // The number is stepped after it was printed; a dropped line takes the step back.
-            if (word == "BLOCK_NUMBER1") {
+            if (tag.BlockNumber == 1) {
                 t.PostParam[1] = t.PostParam[1] + t.PostParam[4];
                 e.BlockNumber1Used = true;
-            } else if (word == "BLOCK_NUMBER2") {
+            } else if (tag.BlockNumber == 2) {
                 t.PostParam[2] = t.PostParam[2] + t.PostParam[5];
                 e.BlockNumber2Used = true;
             } else if (!word.empty()) {
@@ -328,6 +350,7 @@ void EvaluateWord(RunState& state, const std::string& tag) {
         if (held) {
             const int32_t line = (*stops)[static_cast<size_t>(stop)].Line + 1;
             in.Pos = held->After(line);
+            e.WordLineHint = line + 1;
             const size_t following = static_cast<size_t>(stop) + 1;
             if (following == stops->size() || (*stops)[following].Line != line) break;
             if ((*stops)[following].Unparsable) NoBlankBehindWord(state, word, held->Line(line));
@@ -357,6 +380,7 @@ void WriteReservedBlock(RunState& state) {
     int align = 0;  // 1 between the braces, -1 behind the closing brace
     std::string alignBuffer;
     int previous = -1;  // the previous literal character, -1 for none
+    WordTag readTag;    // the word of the last tag read character by character
 
     for (;;) {
         if (e.LayoutMode == 0) {
@@ -398,19 +422,19 @@ void WriteReservedBlock(RunState& state) {
             else e.PostLine += run;
         };
         // A tag closed by "]" (not a layout tag).
-        auto closeTag = [&](const std::string& name, bool deferred) {
+        auto closeTag = [&](const WordTag& word, bool deferred) {
             if (deferred) {
                 e.PostLine += '[';
-                e.PostLine += name;
+                e.PostLine += word.Tag;
                 e.PostLine += ']';
             } else if (align == 1) {
                 const size_t before = e.PostLine.size();
                 const std::string kept = e.PostLine;
-                EvaluateWord(state, name);
+                EvaluateWord(state, word);
                 if (e.PostLine.size() > before) alignBuffer += e.PostLine.substr(before);
                 e.PostLine = kept;
-            } else if (!name.empty()) {
-                EvaluateWord(state, name);
+            } else if (!word.Tag.empty()) {
+                EvaluateWord(state, word);
             }
         };
 
@@ -425,7 +449,7 @@ void WriteReservedBlock(RunState& state) {
                         e.PostLine += token.Text;
                         CountUp(e.NonBlankCount, "NonBlankCount");
                         break;
-                    case BlockToken::Kind::Tag: closeTag(token.Text, token.Deferred); break;
+                    case BlockToken::Kind::Tag: closeTag(token.Word, token.Deferred); break;
                     case BlockToken::Kind::Text:
                         if (token.Blanks) {
                             for (const char c : token.Text) text(c);
@@ -474,7 +498,10 @@ void WriteReservedBlock(RunState& state) {
                         ReadLine(e.SequenceInput);
                         continue;
                     }
-                    closeTag(tag, deferredActive ? IsDeferredName(tag) : tag.empty());
+                    // The word of the last tag read this way is kept, with its stops, for the
+                    // next line: in the pass over the program it is the block number on each.
+                    if (tag != readTag.Tag) readTag = MakeWordTag(tag);
+                    closeTag(readTag, deferredActive ? IsDeferredName(tag) : tag.empty());
                     inTag = false;
                     tag.clear();
                 } else if (inTag) {

@@ -15,7 +15,9 @@ std::string CacheKey(const std::string& path) { return Upper(NativePath(path)); 
 }  // namespace
 
 std::shared_ptr<DefinitionText> MakeDefinitionText(const std::string& path, std::shared_ptr<const std::string> data) {
+    static uint64_t serials = 0;
     auto text = std::make_shared<DefinitionText>();
+    text->Serial = ++serials;
     text->Path = path;
     text->Data = std::move(data);
     const std::string& d = *text->Data;

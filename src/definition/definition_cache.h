@@ -28,6 +28,7 @@ struct WordStop {
 };
 
 struct DefinitionText {
+    uint64_t Serial = 0;                      // one for each text made in the run, never reused
     std::string Path;                         // as first opened, for messages
     std::shared_ptr<const std::string> Data;  // the whole file
     std::vector<size_t> LineStart;            // start of each line, then the size of the file

@@ -75,6 +75,9 @@ struct EngineState {
     // Channels.
     TextInput DefinitionInput;    // 1: the definition at level 0
     TextInput WordInput;          // 2: the word file, one rolling position for the run
+    // The line of the held word file that starts at the word channel's position, when the
+    // engine last placed it there; checked against the position before it is trusted.
+    int32_t WordLineHint = -1;
     TextOutput ProgramOutput;     // 3: the program
     TextOutput ReportOutput;      // 4: the report
     TextInput SequenceInput;      // 6: the job sequence, while a layout runs

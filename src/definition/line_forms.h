@@ -1,10 +1,13 @@
 #pragma once
 // Lines of the definition read once and kept for the run: the truths of reserved-word lines
 // with their conditions, and the body lines of blocks.
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tvx {
+
+struct WordStop;
 
 // A condition read once: the pieces of its text (a text that stands as it is, or the plain
 // text of a table cell), VAL, and the comparison. When each side is a single cell or a text
@@ -36,6 +39,18 @@ struct TruthForm {
     bool Conditional = false;
     ConditionForm Condition;
 };
+// A tag's word as the body line names it, read once: the word less ".text", whether the
+// word's text is wanted, and which block number it steps. The stops of the word in the held
+// word file are remembered with the serial of the file they were looked up in.
+struct WordTag {
+    std::string Tag;          // the tag as written
+    std::string Word;         // the word it names
+    bool TextWanted = false;  // "WORD.text"
+    int BlockNumber = 0;      // 1 or 2 for BLOCK_NUMBER1 and BLOCK_NUMBER2
+    bool Renumbered = false;  // holds "BLOCK_NUMBER": evaluated again in the pass over the program
+    mutable uint64_t StopsSerial = 0;
+    mutable const std::vector<WordStop>* Stops = nullptr;
+};
 // A body line of a block in runs: text outside tags, braces, and the tags that "]" closes.
 // Only a line without "@" and without a layout tag has a form: an "@" depends on the
 // alignment in force, and a layout tag leaves the line for the layout.
@@ -45,6 +60,7 @@ struct BlockToken {
     std::string Text;       // the text, the brace, or the tag's name
     bool Blanks = false;    // a text that holds a blank
     bool Deferred = false;  // a tag whose name is left for the pass over the program
+    WordTag Word;           // a tag's word, read once
 };
 struct BlockLineForm {
     bool Usable = false;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "common/numeric.h"
@@ -80,6 +81,46 @@ RC_GTEST_PROP(LeadingNumberWhole, WholeNumbersReadAsTheirValue, ()) {
     const double actual = LeadingNumber(text);
     RC_ASSERT(actual == expected);
     RC_ASSERT(std::signbit(actual) == std::signbit(expected));
+}
+
+RC_GTEST_PROP(LeadingNumberDecimal, PlainDecimalsReadAsTheCLibraryReadsThem, ()) {
+    auto digitsOf = [](int count) {
+        std::string digits;
+        for (int i = 0; i < count; ++i) digits += static_cast<char>('0' + *rc::gen::inRange(0, 10));
+        return digits;
+    };
+    const std::string whole = digitsOf(*rc::gen::inRange(0, 12));
+    const std::string fraction = digitsOf(*rc::gen::inRange(0, 12));
+    const std::string sign = *rc::gen::element<std::string>("", "+", "-");
+    const std::string tail = *rc::gen::element<std::string>("", "X", " mm", ".5", "-3", "E2", "d-1", "e", ".");
+    std::string text = *rc::gen::element<std::string>("", " ", "\t ") + sign;
+    for (char c : whole + "." + fraction) text += std::string(1, c) + (*rc::gen::inRange(0, 5) == 0 ? " " : "");
+    text += tail;
+    std::string clean;
+    for (char c : text)
+        if (c != ' ' && c != '\t') clean += c;
+    for (char& c : clean)
+        if (c == 'd' || c == 'D') c = 'e';
+    char* end = nullptr;
+    double expected = std::strtod(clean.c_str(), &end);
+    if (end == clean.c_str()) expected = 0;
+    const double actual = LeadingNumber(text);
+    RC_ASSERT(actual == expected);
+    RC_ASSERT(std::signbit(actual) == std::signbit(expected));
+}
+
+TEST(LeadingNumberDecimal, FifteenDigitsReadDirectlyAndMoreAsTheLibraryReadsThem) {
+    EXPECT_EQ(LeadingNumber("12.34"), 12.34);
+    EXPECT_EQ(LeadingNumber("-0.1"), -0.1);
+    EXPECT_TRUE(std::signbit(LeadingNumber("-0.00")));
+    EXPECT_EQ(LeadingNumber(".5"), 0.5);
+    EXPECT_EQ(LeadingNumber("5."), 5.0);
+    EXPECT_EQ(LeadingNumber("1.2.3"), 1.2);
+    EXPECT_EQ(LeadingNumber("99999999999999.9"), 99999999999999.9);
+    EXPECT_EQ(LeadingNumber("0.1234567890123456789"), 0.1234567890123456789);
+    EXPECT_EQ(LeadingNumber("2.675"), 2.675);
+    EXPECT_EQ(LeadingNumber("1.5E3"), 1500.0);
+    EXPECT_EQ(LeadingNumber("."), 0.0);
 }
 
 TEST(LeadingNumberWhole, SignOfZeroAndPrefixes) {
