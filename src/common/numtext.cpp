@@ -224,7 +224,7 @@ std::string LeadZero(std::string text) {
 
 bool HoldsSmallExponent(const std::string& text) { return Holds(text, "E-") || Holds(text, "D-"); }
 
-std::string NumberTextWithPlaces(double value, int places) {
+void AssignNumberTextWithPlaces(std::string& out, double value, int places) {
     if (places > 6) places = 6;
     // The value rounded to a whole number of units of the last place, as RoundTo rounds it:
     // its text is those digits with the point put in, which is what the plain text of the
@@ -236,20 +236,22 @@ std::string NumberTextWithPlaces(double value, int places) {
         const bool rounded = places >= 1 ? RoundsIntoInt32(value * scale, whole) : RoundsIntoInt32(value, whole);
         const long long magnitude = whole < 0 ? -static_cast<long long>(whole) : whole;
         if (rounded && (whole == 0 || static_cast<double>(magnitude) * 10000.0 >= scale)) {
-            // The digits, with zeros in front up to one whole digit, then the point put in.
-            char digits[32];
-            const size_t count = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, magnitude).ptr - digits);
-            const size_t wanted = static_cast<size_t>(places) + 1;
-            const size_t zeros = count < wanted ? wanted - count : 0;
+            // The digits from the last, with zeros in front up to one whole digit and the
+            // point put in behind the whole digits.
             char text[48];
-            size_t n = 0;
-            if (whole < 0) text[n++] = '-';
-            const size_t integerDigits = count + zeros - static_cast<size_t>(places);
-            for (size_t i = 0; i < count + zeros; ++i) {
-                if (i == integerDigits) text[n++] = '.';
-                text[n++] = i < zeros ? '0' : digits[i - zeros];
-            }
-            return std::string(text, n);
+            char* const end = text + sizeof text;
+            char* p = end;
+            unsigned long long rest = static_cast<unsigned long long>(magnitude);
+            int written = 0;
+            do {
+                if (written == places && places > 0) *--p = '.';
+                *--p = static_cast<char>('0' + rest % 10);
+                rest /= 10;
+                ++written;
+            } while (rest != 0 || written <= places);
+            if (whole < 0) *--p = '-';
+            out.assign(p, static_cast<size_t>(end - p));
+            return;
         }
     }
     std::string text = Trim(PlainText(RoundTo(value, places)));
@@ -264,7 +266,7 @@ std::string NumberTextWithPlaces(double value, int places) {
     }
     const auto cut = text.find('.');
     text.resize(places == 0 ? cut : cut + 1 + static_cast<size_t>(places));
-    return LeadZero(text);
+    out = LeadZero(text);
 }
 
 std::string FreeForm(std::string text) {
@@ -279,6 +281,18 @@ std::string PlainText(double value) { return PlainTextDigits(value, 15, 15); }
 std::string PlainText(float value) { return PlainTextDigits(static_cast<double>(value), 7, 7); }
 std::string BarePlainText(double value) { return BarePlainTextDigits(value, 15, 15); }
 std::string BarePlainText(float value) { return BarePlainTextDigits(static_cast<double>(value), 7, 7); }
+void AssignBarePlainText(std::string& text, double value) {
+    char digits[PlainTextRoom];
+    const size_t n = WritePlainTextDigits(digits, value, 15, 15);
+    if (digits[0] == ' ') text.assign(digits + 1, n - 1);
+    else text.assign(digits, n);
+}
+void AssignBarePlainText(std::string& text, float value) {
+    char digits[PlainTextRoom];
+    const size_t n = WritePlainTextDigits(digits, static_cast<double>(value), 7, 7);
+    if (digits[0] == ' ') text.assign(digits + 1, n - 1);
+    else text.assign(digits, n);
+}
 void AppendPlainText(std::string& text, float value) {
     char digits[PlainTextRoom];
     text.append(digits, WritePlainTextDigits(digits, static_cast<double>(value), 7, 7));
@@ -412,14 +426,26 @@ double LeadingNumber(std::string_view text) {
     return v;
 }
 
+void AssignNumberText(std::string& text, double value, int places) {
+    if (places < 0) text = FreeForm(PlainText(value));
+    else AssignNumberTextWithPlaces(text, value, places);
+}
+
+void AssignNumberText(std::string& text, float value, int places) {
+    if (places < 0) text = FreeForm(PlainText(value));
+    else AssignNumberTextWithPlaces(text, static_cast<double>(value), places);
+}
+
 std::string NumberText(double value, int places) {
-    if (places < 0) return FreeForm(PlainText(value));
-    return NumberTextWithPlaces(value, places);
+    std::string text;
+    AssignNumberText(text, value, places);
+    return text;
 }
 
 std::string NumberText(float value, int places) {
-    if (places < 0) return FreeForm(PlainText(value));
-    return NumberTextWithPlaces(static_cast<double>(value), places);
+    std::string text;
+    AssignNumberText(text, value, places);
+    return text;
 }
 
 double NumberThroughPlainText(float value) {

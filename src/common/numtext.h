@@ -19,6 +19,9 @@ std::string BarePlainText(double value);
 std::string BarePlainText(float value);
 // Appends the plain text of a single, with its leading blank, to a text.
 void AppendPlainText(std::string& text, float value);
+// Makes a text the bare plain text of a number, in place.
+void AssignBarePlainText(std::string& text, double value);
+void AssignBarePlainText(std::string& text, float value);
 
 // The number that the plain text of a single reads back as, LeadingNumber(PlainText(value)),
 // without making the text.
@@ -35,6 +38,9 @@ double LeadingNumber(std::string_view text);
 // the free form, where its plain text has seven significant digits.
 std::string NumberText(double value, int places);
 std::string NumberText(float value, int places);
+// The same, made in place in a text.
+void AssignNumberText(std::string& text, double value, int places);
+void AssignNumberText(std::string& text, float value, int places);
 
 std::string IntegerText(int16_t value);
 std::string LongText(int32_t value);

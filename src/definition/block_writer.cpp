@@ -80,8 +80,23 @@ BlockLineForm ParseBlockLine(const std::string& line) {
     return form;
 }
 
-// The form of a body line, kept by its text while there is room.
-const BlockLineForm& BlockLineFormOf(EngineState& e, const std::string& line, BlockLineForm& fresh) {
+// Whether the body line read ends the block.
+bool IsBlockEnd(EngineState& e) {
+    if (e.PostDefText) return (BodyMarksOf(*e.PostDefText, e.PostDefIndex) & MarkBlockEnd) != 0;
+    return Holds(e.PostDefLine, "******");
+}
+
+// The form of a body line: kept with its line for a line read from a held text (`keep` then
+// holds it for the caller), otherwise by its text while there is room.
+const BlockLineForm& BlockLineFormOf(EngineState& e, const std::string& line, BlockLineForm& fresh,
+                                     std::shared_ptr<const BlockLineForm>& keep) {
+    if (DefinitionText* text = e.PostDefText) {
+        if (text->BodyForms.empty()) text->BodyForms.resize(static_cast<size_t>(text->LineCount()));
+        auto& form = text->BodyForms[static_cast<size_t>(e.PostDefIndex)];
+        if (!form) form = std::make_shared<const BlockLineForm>(ParseBlockLine(line));
+        keep = form;
+        return *keep;
+    }
     if (const auto known = e.BlockLines.find(line); known != e.BlockLines.end()) return known->second;
     if (e.BlockLines.size() < e.BlockLinesKept) return e.BlockLines.emplace(line, ParseBlockLine(line)).first->second;
     fresh = ParseBlockLine(line);
@@ -298,7 +313,7 @@ void EvaluateWord(RunState& state, const WordTag& tag) {
             ApplyFormat(state, form->FormatOf);
         } else {
             e.FormatNOP = false;
-            SetText(e.PostValue, PlainNumberText(e.PostValue, word));
+            SetPlainNumberText(e.PostValue, word);
         }
 
         if (form->SetCalc) {
@@ -385,18 +400,22 @@ void WriteReservedBlock(RunState& state) {
     for (;;) {
         if (e.LayoutMode == 0) {
             ReadDefinitionLine(state, e.PostDefLine);
-            if (Holds(e.PostDefLine, "******")) {
+            if (IsBlockEnd(e)) {
                 if (e.PostLevel < 1) return;
                 // The end of a called block: back to the caller's next line.
                 CloseInputChannel(state, e.PostChannel);
                 StepBackLevel(state);
                 ReadDefinitionLine(state, e.PostDefLine);
-                if (e.PostLevel == 0 && Holds(e.PostDefLine, "******")) return;
+                if (e.PostLevel == 0 && IsBlockEnd(e)) return;
             }
         } else {
+            e.PostDefText = nullptr;
             NextLayoutLine(state, e.LayoutMode);
         }
-        if (e.PostDefLine == NoValueText) e.PostDefLine.clear();
+        if (e.PostDefLine == NoValueText) {
+            e.PostDefLine.clear();
+            e.PostDefText = nullptr;
+        }
 
         const bool deferredActive = !e.RenumberMode;
         if (!e.RenumberMode) e.FieldCount = 1;
@@ -440,8 +459,9 @@ void WriteReservedBlock(RunState& state) {
 
         // Outside the pass over the program a line is worked in its runs, read once.
         BlockLineForm fresh;
+        std::shared_ptr<const BlockLineForm> kept;
         const BlockLineForm* form =
-            deferredActive && e.BlockLinesKept > 0 ? &BlockLineFormOf(e, line, fresh) : nullptr;
+            deferredActive && e.BlockLinesKept > 0 ? &BlockLineFormOf(e, line, fresh, kept) : nullptr;
         if (form && form->Usable) {
             for (const BlockToken& token : form->Tokens) {
                 switch (token.Type) {

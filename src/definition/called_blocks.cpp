@@ -1,5 +1,7 @@
 #include "definition/called_blocks.h"
 
+#include <algorithm>
+
 #include "common/fault.h"
 #include "common/numtext.h"
 #include "definition/definition_files.h"
@@ -41,13 +43,47 @@ bool FindCalledWord(RunState& state, const std::string& name) {
     return LineTruth(state, line);
 }
 
+namespace {
+
+// The held text of a channel and the line that starts at its read position, for a read that
+// takes the line as the text was split; null when the channel is read as a stream, holds
+// text the engine did not split, or is not at the start of a line.
+DefinitionText* HeldLineAt(RunState& state, int channel, int32_t& index) {
+    TextInput& in = InputChannel(state, channel);
+    if (!in.Open || IsStreamed(in)) return nullptr;
+    const auto& held = state.Engine.HeldTexts[static_cast<size_t>(channel)];
+    if (!held || held->Data != in.Data || in.Pos >= held->Data->size()) return nullptr;
+    const auto& starts = held->LineStart;
+    index = static_cast<int32_t>(std::lower_bound(starts.begin(), starts.end() - 1, in.Pos) - starts.begin());
+    if (index >= held->LineCount() || starts[static_cast<size_t>(index)] != in.Pos) return nullptr;
+    return held.get();
+}
+
+}  // namespace
+
 void ReadDefinitionLine(RunState& state, std::string& line) {
     EngineState& e = state.Engine;
     SelectDefinitionLevel(state, line);
     for (;;) {
-        ReadLine(InputChannel(state, e.PostChannel), line);
-        // The end-of-file mark of paper-tape programs.
-        if (line.find('\xE2') != std::string::npos) line = std::string(1, '\x1A');
+        e.PostDefText = nullptr;
+        e.PostDefIndex = -1;
+        int32_t index = -1;
+        if (DefinitionText* text = HeldLineAt(state, e.PostChannel, index)) {
+            // A held line is taken whole, with what it holds known from its first read.
+            const uint8_t marks = BodyMarksOf(*text, index);
+            line.assign(text->Line(index));
+            InputChannel(state, e.PostChannel).Pos = text->After(index);
+            if (marks & MarkEndOfFile) line = std::string(1, '\x1A');
+            else if (!(marks & MarkCall)) {
+                e.PostDefText = text;
+                e.PostDefIndex = index;
+                return;
+            }
+        } else {
+            ReadLine(InputChannel(state, e.PostChannel), line);
+            // The end-of-file mark of paper-tape programs.
+            if (line.find('\xE2') != std::string::npos) line = std::string(1, '\x1A');
+        }
         const size_t call = line.find("[CALL ");
         if (call == std::string::npos) return;
         if (Holds(line, "[CALL SUBROUTINES")) e.PostLevel = 5;

@@ -126,6 +126,19 @@ bool IsWordLine(std::string_view line, std::string_view word, bool& unparsable) 
     return line.substr(0, blank) == word;
 }
 
+uint8_t BodyMarksOf(DefinitionText& text, int32_t line) {
+    if (text.BodyMarks.empty()) text.BodyMarks.assign(static_cast<size_t>(text.LineCount()), 0);
+    uint8_t& marks = text.BodyMarks[static_cast<size_t>(line)];
+    if (marks == 0) {
+        const std::string_view body = text.Line(line);
+        marks = MarkKnown;
+        if (body.find('\xE2') != std::string_view::npos) marks |= MarkEndOfFile;
+        if (body.find("[CALL ") != std::string_view::npos) marks |= MarkCall;
+        if (body.find("******") != std::string_view::npos) marks |= MarkBlockEnd;
+    }
+    return marks;
+}
+
 const std::vector<WordStop>& WordStopsOf(DefinitionText& text, const std::string& word) {
     if (auto known = text.WordStops.find(word); known != text.WordStops.end()) return known->second;
     std::vector<WordStop> stops;

@@ -19,6 +19,7 @@
 namespace tvx {
 
 struct WordLineForm;
+struct BlockLineForm;
 
 // One line of the .wrd that a word search stops at: a word line of the word, or a line that
 // holds the word with no blank behind it, which cannot be parsed.
@@ -40,6 +41,10 @@ struct DefinitionText {
     std::unordered_map<std::string, std::vector<WordStop>> WordStops;
     // The forms of the lines read as word lines, by line, made at their first use.
     std::vector<std::shared_ptr<const WordLineForm>> Forms;
+    // What the engine has learned of the lines read as body lines of blocks, by line: the
+    // marks it tests each line for (LineMark), and the line's form in runs.
+    std::vector<uint8_t> BodyMarks;
+    std::vector<std::shared_ptr<const BlockLineForm>> BodyForms;
 
     int32_t LineCount() const { return static_cast<int32_t>(LineEnd.size()); }
     std::string_view Line(int32_t index) const {
@@ -49,6 +54,12 @@ struct DefinitionText {
     // The read position behind a line: the start of the next one, or the end of the file.
     size_t After(int32_t index) const { return LineStart[static_cast<size_t>(index) + 1]; }
 };
+
+// The marks of a body line: known once looked at; the end-of-file byte 0xE2, a "[CALL ", the
+// block end "******".
+enum LineMark : uint8_t { MarkKnown = 1, MarkEndOfFile = 2, MarkCall = 4, MarkBlockEnd = 8 };
+// The marks of a line of a held text, found at the first ask.
+uint8_t BodyMarksOf(DefinitionText& text, int32_t line);
 
 struct DefinitionCache {
     // Keyed by the path in upper case with '/' separators, as the file system of the

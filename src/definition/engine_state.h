@@ -44,6 +44,10 @@ struct EngineState {
 
     // The line interpreter.
     std::string PostDefLine;   // the body line being read
+    // The held text and line that PostDefLine was read from, while it stands as read there;
+    // null for a line that came any other way.
+    DefinitionText* PostDefText = nullptr;
+    int32_t PostDefIndex = -1;
     std::string PostLine;      // the output line under construction
     PostValueType PostValue;   // the value of the word line in work
     std::string PostWordLine;  // the .wrd line in work

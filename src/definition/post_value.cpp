@@ -6,11 +6,6 @@
 
 namespace tvx {
 
-bool IsNoValue(const PostValueType& value) {
-    if (value.Type == PostValueType::Kind::Text) return value.Text == NoValueText;
-    return value.Number == -9999.0;
-}
-
 PostValueType TextValue(std::string text) {
     PostValueType v;
     v.Type = PostValueType::Kind::Text;
@@ -124,6 +119,28 @@ std::string PlainNumberText(const PostValueType& value, std::string_view what) {
     if (value.Type != PostValueType::Kind::Text && value.Number == -9999.0) return NoValueText;
     if (value.Type == PostValueType::Kind::Single) return BarePlainText(static_cast<float>(value.Number));
     return BarePlainText(ValueAsNumber(value, what));
+}
+
+void SetPlainNumberText(PostValueType& value, std::string_view what) {
+    if (value.Type != PostValueType::Kind::Text && value.Number == -9999.0) {
+        SetText(value, NoValueText);
+        return;
+    }
+    // No value as a text reads as -9999, whose plain text it is already.
+    if (value.Type == PostValueType::Kind::Text && value.Text == NoValueText) return;
+    const bool single = value.Type == PostValueType::Kind::Single;
+    const double number = ValueAsNumber(value, what);
+    if (single) AssignBarePlainText(value.Text, static_cast<float>(number));
+    else AssignBarePlainText(value.Text, number);
+    value.Type = PostValueType::Kind::Text;
+    value.Number = 0;
+}
+
+void SetNumberText(PostValueType& value, int places) {
+    if (value.Type == PostValueType::Kind::Single) AssignNumberText(value.Text, static_cast<float>(value.Number), places);
+    else AssignNumberText(value.Text, value.Number, places);
+    value.Type = PostValueType::Kind::Text;
+    value.Number = 0;
 }
 
 int32_t CellNumber(const PostValueType& index, const char* what) {

@@ -12,7 +12,10 @@ namespace tvx {
 inline constexpr const char* NoValueText = "-9999";
 
 // True for the text "-9999" and for the number -9999: the word line has no value to print.
-bool IsNoValue(const PostValueType& value);
+inline bool IsNoValue(const PostValueType& value) {
+    if (value.Type == PostValueType::Kind::Text) return value.Text == NoValueText;
+    return value.Number == -9999.0;
+}
 
 PostValueType TextValue(std::string text);
 PostValueType SingleValue(float number);
@@ -41,6 +44,11 @@ double ValueAsNumber(const PostValueType& value, std::string_view what);
 PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view what);
 // The plain number text without the leading blank.
 std::string PlainNumberText(const PostValueType& value, std::string_view what);
+// The register made the text that PlainNumberText gives of it, in place.
+void SetPlainNumberText(PostValueType& value, std::string_view what);
+// The register made the text of its number with the given places (NumberText), in place:
+// a single keeps the single form.
+void SetNumberText(PostValueType& value, int places);
 
 // A cell number: the value rounded to an integer, halves to the even neighbour. A text that
 // is not a number is the fault "Type mismatch".

@@ -204,6 +204,7 @@ WordLineForm ParseWordLine(const std::string& text) {
             f.VTag = FindTag(line, vAt, 2);
         }
     }
+    f.IndexFits = RoundsIntoInt32(f.Index, f.IndexCell);
     if (f.NotWhen) f.NotWhenTag = FindTag(line, line.find("[NOTWHEN="), 9);
 
     // "CALC=" also finds the same letters of "SETCALC=".
@@ -255,7 +256,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
             e.TableLetter = 'M';
             TagInner(form.Tag);
             SetDouble(index, form.Index);
-            const int32_t n = CellNumber(index, "PostMachine cell");
+            const int32_t n = form.IndexFits ? form.IndexCell : CellNumber(index, "PostMachine cell");
             savedMemo = t.PostMemo[n];
             if (form.MachineValue) {
                 const float difference = t.PostMachine[n] - t.PostMemo[n];
@@ -293,7 +294,7 @@ void ReadTagValue(RunState& state, const WordLineForm& form, PostValueType& inde
             const std::string& inner = TagInner(form.Tag);
             if (!form.ParamEquals) {
                 SetDouble(index, form.Index);
-                SetSingle(value, t.PostParam[CellNumber(index, "PostParam cell")]);
+                SetSingle(value, t.PostParam[form.IndexFits ? form.IndexCell : CellNumber(index, "PostParam cell")]);
                 active = true;
             } else {
                 SetText(index, inner);
@@ -423,9 +424,8 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
     const double decimals = form.Decimals;
     if (decimals != -1) {
         const int32_t places = ToInteger32(decimals, "format");
-        const PostValueType& n = number();
-        SetText(value, n.Type == PostValueType::Kind::Single ? NumberText(static_cast<float>(n.Number), places)
-                                                             : NumberText(n.Number, places));
+        number();
+        SetNumberText(value, places);
     }
     const double pad = form.Pad;
     if (pad != -1) {

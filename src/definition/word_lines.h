@@ -61,6 +61,8 @@ struct WordLineForm {
     LineTag Tag;  // the M or P tag
     // M: the cell, whether the tag asks for the cell's value ("VAL"), and the number it tests.
     double Index = 0;
+    bool IndexFits = true;   // the cell rounds into a whole number of 32 bits: IndexCell
+    int32_t IndexCell = 0;
     bool MachineValue = false;
     double MachineNumber = 0;
     // P with "=": the cell and the number it is compared with.

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <set>
+
+#include "definition/definition_cache.h"
 #include "definition/engine_rig.h"
 #include "state/run_state.h"
 
@@ -55,15 +58,47 @@ RC_GTEST_PROP(BlockLineForm, RunsPrintWhatTheCharactersPrint, ()) {
     RC_ASSERT(outputs[0] == outputs[1]);
 }
 
+namespace {
+
+// The forms kept with the lines of the held definition texts (the level copies of the
+// definition share its text).
+std::vector<const BlockLineForm*> HeldBodyForms(const RunState& state) {
+    std::set<const DefinitionText*> texts;
+    for (const auto& [key, text] : state.Engine.Cache.Files) texts.insert(text.get());
+    std::vector<const BlockLineForm*> forms;
+    for (const DefinitionText* text : texts)
+        for (const auto& form : text->BodyForms)
+            if (form) forms.push_back(form.get());
+    return forms;
+}
+
+}  // namespace
+
 TEST(BlockLineForm, LineWithAnAtSignOrALayoutTagHasNoForm) {
     EngineRig rig({"B=TRUE", "{[X]}@L010", "******"}, Words);
     rig.Write("B");
+    const auto forms = HeldBodyForms(rig.State);
     rig.CloseAll();
-    for (const auto& [text, form] : rig.State.Engine.BlockLines) EXPECT_FALSE(form.Usable) << text;
+    ASSERT_EQ(forms.size(), 1u);
+    EXPECT_FALSE(forms[0]->Usable);
 }
 
-TEST(BlockLineForm, LineMetAgainIsReadOnce) {
+TEST(BlockLineForm, LineMetAgainIsReadOnceAndKeptWithItsHeldLine) {
     EngineRig rig({"B=TRUE", "G01[X]", "******"}, Words);
+    rig.State.Tables.PostMachine[1] = 1;
+    rig.Write("B");
+    rig.State.Tables.PostMachine[1] = 2;
+    rig.Write("B");
+    EXPECT_EQ(HeldBodyForms(rig.State).size(), 1u);
+    rig.CloseAll();
+    EXPECT_TRUE(rig.State.Engine.BlockLines.empty());
+    EXPECT_EQ(rig.Program(), (std::vector<std::string>{"G01X1.0", "G01X2.0"}));
+}
+
+TEST(BlockLineForm, LineOfAStreamedDefinitionIsKeptByItsText) {
+    EngineRig rig({"B=TRUE", "G01[X]", "******"}, Words);
+    rig.State.Engine.Cache.HeldSizeLimit = 0;
+    ForgetDefinition(rig.State.Engine.Cache, rig.State.Job.PostFile);
     rig.State.Tables.PostMachine[1] = 1;
     rig.Write("B");
     rig.State.Tables.PostMachine[1] = 2;

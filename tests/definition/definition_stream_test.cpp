@@ -206,3 +206,69 @@ RC_GTEST_PROP(DefinitionStreams, RollingWordSearchOfAStreamEndsAsThatOfAHeldText
         RC_ASSERT(stops[1] == stops[0]);
     }
 }
+
+// Body lines read from a held text, whole and with their marks known from the first read,
+// are the lines and positions of the same file read as a stream.
+RC_GTEST_PROP(DefinitionStreams, BodyLinesOfAHeldTextAreThoseOfAStream, ()) {
+    const auto pieces = *rc::gen::container<std::vector<std::string>>(
+        rc::gen::element<std::string>("A", "x y", "******", "G0******1", "\xE2", "a\xE2z", "", " ", "\xAC", "[X]"));
+    std::string data;
+    for (const auto& piece : pieces) data += piece + *rc::gen::element<std::string>("\r\n", "\n", "\r", "");
+    TempDir dir;
+    const std::string path = dir.Path + "/def.pst";
+    WriteBytes(path, data);
+    const int rounds = *rc::gen::inRange(1, 3);
+    std::vector<std::string> reads;
+    for (bool streamed : {false, true}) {
+        Reader r(path, streamed);
+        std::string read;
+        for (int round = 0; round < rounds; ++round) {
+            OpenDefinitionInput(r.State, ChannelDefinition, path);
+            r.State.Engine.PostChannel = ChannelDefinition;
+            std::string line;
+            for (;;) {
+                const std::string end = EngineRig::EndText([&] { ReadDefinitionLine(r.State, line); });
+                if (!end.empty()) {
+                    read += "#" + std::string(end.rfind("Input past end of file", 0) == 0 ? "end" : end);
+                    break;
+                }
+                read += "|" + line + "@" + std::to_string(r.State.Engine.DefinitionInput.Pos);
+            }
+            CloseInputChannel(r.State, ChannelDefinition);
+        }
+        reads.push_back(read);
+    }
+    RC_ASSERT(reads[0] == reads[1]);
+}
+
+TEST(DefinitionStreams, AHeldBodyLineIsTakenWithItsTextAndLine) {
+    TempDir dir;
+    const std::string path = dir.Path + "/def.pst";
+    WriteBytes(path, "A=TRUE\r\nG0\r\n******\r\n");
+    Reader r(path, false);
+    OpenDefinitionInput(r.State, ChannelDefinition, path);
+    r.State.Engine.PostChannel = ChannelDefinition;
+    std::string line;
+    ReadDefinitionLine(r.State, line);
+    ReadDefinitionLine(r.State, line);
+    EXPECT_EQ(line, "G0");
+    ASSERT_NE(r.State.Engine.PostDefText, nullptr);
+    EXPECT_EQ(r.State.Engine.PostDefIndex, 1);
+    ReadDefinitionLine(r.State, line);
+    EXPECT_EQ(BodyMarksOf(*r.State.Engine.PostDefText, r.State.Engine.PostDefIndex) & MarkBlockEnd, MarkBlockEnd);
+    CloseInputChannel(r.State, ChannelDefinition);
+}
+
+TEST(DefinitionStreams, AStreamedBodyLineHasNoHeldText) {
+    TempDir dir;
+    const std::string path = dir.Path + "/def.pst";
+    WriteBytes(path, "A=TRUE\r\nG0\r\n");
+    Reader r(path, true);
+    OpenDefinitionInput(r.State, ChannelDefinition, path);
+    r.State.Engine.PostChannel = ChannelDefinition;
+    std::string line;
+    ReadDefinitionLine(r.State, line);
+    EXPECT_EQ(line, "A=TRUE");
+    EXPECT_EQ(r.State.Engine.PostDefText, nullptr);
+    CloseInputChannel(r.State, ChannelDefinition);
+}
