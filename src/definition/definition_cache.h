@@ -20,6 +20,7 @@ namespace tvx {
 
 struct WordLineForm;
 struct BlockLineForm;
+struct TruthForm;
 
 // One line of the .wrd that a word search stops at: a word line of the word, or a line that
 // holds the word with no blank behind it, which cannot be parsed.
@@ -45,6 +46,8 @@ struct DefinitionText {
     // marks it tests each line for (LineMark), and the line's form in runs.
     std::vector<uint8_t> BodyMarks;
     std::vector<std::shared_ptr<const BlockLineForm>> BodyForms;
+    // The truths of the lines found as reserved-word lines, by line.
+    std::vector<std::shared_ptr<const TruthForm>> Truths;
 
     int32_t LineCount() const { return static_cast<int32_t>(LineEnd.size()); }
     std::string_view Line(int32_t index) const {

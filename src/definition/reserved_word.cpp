@@ -26,6 +26,19 @@ bool LineTruth(RunState& state, const std::string& line) {
 bool FindReservedWord(RunState& state, const std::string& word) {
     CloseInputChannel(state, ChannelDefinition);
     OpenDefinitionInput(state, ChannelDefinition, state.Job.PostFile);
+    TextInput& in = state.Engine.DefinitionInput;
+    if (!IsStreamed(in)) {
+        // A held definition keeps the truth of each reserved-word line with the line.
+        DefinitionText& text = HeldTextOf(state, ChannelDefinition);
+        const int32_t found = FirstLineHolding(text, word);
+        in.Pos = found < 0 ? text.Data->size() : text.After(found);
+        if (AtEnd(in)) PostAbort(state, "Reserved Word - " + word + " not found in file " + state.Job.PostFile);
+        if (text.Truths.empty()) text.Truths.resize(static_cast<size_t>(text.LineCount()));
+        auto& truth = text.Truths[static_cast<size_t>(found)];
+        if (!truth) truth = std::make_shared<const TruthForm>(ParseTruth(std::string(text.Line(found))));
+        const std::shared_ptr<const TruthForm> kept = truth;
+        return kept->Conditional ? EvaluateCondition(state, kept->Condition) : kept->True;
+    }
     std::string line;
     PassFirstLineHolding(state, ChannelDefinition, word, false, line);
     // The test is on the end of the file, not on the match: a match in the last line is

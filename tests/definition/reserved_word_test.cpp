@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "common/fault.h"
+#include "common/textfile.h"
+#include "definition/definition_cache.h"
+#include "definition/definition_files.h"
 #include "definition/engine_rig.h"
+#include "state/run_state.h"
 
 using namespace tvx;
 
@@ -76,4 +80,29 @@ TEST(FindReservedWord, MissingDefinitionFileIsAFileFault) {
         EXPECT_EQ(end.Status, ExitFault);
         EXPECT_EQ(end.Text, "File not found: " + rig.Path("none.pst"));
     }
+}
+
+TEST(FindReservedWord, ConditionOfAHeldLineIsReadOnceAndEvaluatedAtEachFind) {
+    EngineRig rig({"A=TRUE IF [P9=11]", "X", "******", ""}, {"******"});
+    rig.State.Tables.PostParam[9] = 11;
+    EXPECT_TRUE(FindReservedWord(rig.State, "A"));
+    rig.State.Tables.PostParam[9] = 12;
+    EXPECT_FALSE(FindReservedWord(rig.State, "A"));
+    const DefinitionText& text = HeldTextOf(rig.State, ChannelDefinition);
+    EXPECT_NE(text.Truths.at(0), nullptr);
+    EXPECT_TRUE(rig.State.Engine.Truths.empty());
+    // The file stays open behind the line, as a search of the text leaves it.
+    EXPECT_EQ(ReadLine(rig.State.Engine.DefinitionInput), "X");
+}
+
+TEST(FindReservedWord, StreamedDefinitionKeepsTruthsByTheLinesText) {
+    EngineRig rig({"A=TRUE IF [P9=11]", "X", "******", ""}, {"******"});
+    rig.State.Engine.Cache.HeldSizeLimit = 0;
+    ForgetDefinition(rig.State.Engine.Cache, rig.State.Job.PostFile);
+    rig.State.Tables.PostParam[9] = 11;
+    EXPECT_TRUE(FindReservedWord(rig.State, "A"));
+    rig.State.Tables.PostParam[9] = 12;
+    EXPECT_FALSE(FindReservedWord(rig.State, "A"));
+    EXPECT_EQ(rig.State.Engine.Truths.size(), 1u);
+    EXPECT_EQ(ReadLine(rig.State.Engine.DefinitionInput), "X");
 }
