@@ -332,6 +332,31 @@ size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes) {
     return got;
 }
 
+size_t ReadRecordRun(DrawingFile& file, int32_t first, RecordBytes* records, size_t count) {
+    if (count == 0) return 0;
+    RequireOpen(file);
+    FlushDrawing(file);
+    const off_t position = RecordPosition(file, first);
+    std::FILE* f = file.File.get();
+    // The records of an array lie one behind the other, with nothing between them.
+    static_assert(sizeof(RecordBytes) == RecordLength);
+    unsigned char* const bytes = records[0].data();
+    const size_t wanted = count * RecordLength;
+    size_t got = 0;
+    const bool inTurn = file.ReadPosition == static_cast<int64_t>(position);
+    file.ReadPosition = -1;
+    // A read of more than the stream's buffer goes straight into the records.
+    if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = ReadUnlocked(bytes, wanted, f);
+    if (got == wanted) file.ReadPosition = static_cast<int64_t>(position) + static_cast<int64_t>(wanted);
+    if (FailedUnlocked(f)) {
+        ClearUnlocked(f);
+        FileFault("Cannot read file", file.Path);
+    }
+    ClearUnlocked(f);
+    if (got < wanted) std::fill(bytes + got, bytes + wanted, 0);
+    return got;
+}
+
 void ReadRecord(DrawingFile& file, int32_t number, DrawRecord& record) {
     RecordBytes bytes;
     ReadRecordBytes(file, number, bytes);
@@ -477,7 +502,7 @@ void ChangeInPlace(DrawingFile& file, int32_t first, int32_t last,
         chunk.resize(size);
         changed.assign(size, false);
         // The whole chunk is read before any record of it is changed.
-        for (size_t i = 0; i < size; ++i) ReadRecordBytes(file, static_cast<int32_t>(from + static_cast<int64_t>(i)), chunk[i]);
+        ReadRecordRun(file, static_cast<int32_t>(from), chunk.data(), size);
         for (size_t i = 0; i < size; ++i) {
             const auto n = static_cast<int32_t>(from + static_cast<int64_t>(i));
             if (!look(n, chunk[i])) continue;

@@ -122,6 +122,15 @@ DrawRecord ReadRecord(DrawingFile& file, int32_t number);
 // holds and zeros after them. Gives how many bytes the file held: RecordLength for a whole
 // record, fewer for a partial last record, 0 past the end.
 size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes);
+// Reads the bytes of `count` records from record `first` on in one read, as ReadRecordBytes
+// reads each of them in turn: a record the file holds part of or none of has zeros after its
+// bytes. Gives how many bytes the file held of them all.
+size_t ReadRecordRun(DrawingFile& file, int32_t first, RecordBytes* records, size_t count);
+// The bytes the file held of record `index` (from 0) of a run of which it held `got` bytes.
+inline size_t HeldOfRun(size_t got, size_t index) {
+    const size_t start = index * RecordLength;
+    return got <= start ? 0 : (got - start < RecordLength ? got - start : RecordLength);
+}
 // Writes the bytes of record n as WriteRecord writes a record, write-behind included.
 void WriteRecordBytes(DrawingFile& file, int32_t number, const RecordBytes& bytes);
 // Writes the bytes of records first up to last of one drawing at the same numbers of another,

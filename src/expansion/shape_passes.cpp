@@ -74,6 +74,9 @@ void StartPassOutput(PassOutput& output, DrawingFile& source, int32_t number) {
     output.FirstChanged = number;
 }
 
+// The records a pass reads at once.
+constexpr size_t PassBatchRecords = 256;
+
 // The frame of the two passes. The walk covers the records from 1 up to RecordCount that the
 // file holds: a RecordCount beyond the last record on disk ends the walk at that record, so
 // that a damaged count neither walks records of zeros without end nor invents them; the count
@@ -91,11 +94,25 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
     const int32_t last = count < onDisk ? count : onDisk;
     const std::string name = FileNameOf(drawing);
     int32_t counter = 0;
-    RecordBytes bytes;
+    // The records are read a batch at a time: a choice writes only the record in hand back to
+    // the source, never one ahead of it.
+    std::vector<RecordBytes> batch(std::min<size_t>(PassBatchRecords, static_cast<size_t>(last > 0 ? last : 0)));
+    size_t batchGot = 0;
+    int32_t batchFirst = 1;
+    const RecordBytes* lastBytes = nullptr;
     size_t held = RecordLength;  // the bytes the file held of the record in hand
     DrawRecord record;
     for (int32_t n = 1; n <= last; ++n) {
-        held = ReadRecordBytes(source, n, bytes);
+        const size_t at = static_cast<size_t>(n - batchFirst);
+        if (n == 1 || at == batch.size()) {
+            batchFirst = n;
+            const size_t wanted = std::min<size_t>(batch.size(), static_cast<size_t>(last - n) + 1);
+            batchGot = ReadRecordRun(source, n, batch.data(), wanted);
+        }
+        const size_t index = static_cast<size_t>(n - batchFirst);
+        RecordBytes& bytes = batch[index];
+        lastBytes = &bytes;
+        held = HeldOfRun(batchGot, index);
         bool split = false;
         bool changed = false;
         if (rule.Sees(EntityCodeOf(bytes), ToolLetterOf(bytes))) {
@@ -129,7 +146,7 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
         // Every record went back to its own number. The copy back would have written a partial
         // last record whole; a stale working file of an earlier walk goes, as the making of one
         // would have removed it.
-        if (held < RecordLength && last >= 2) WriteRecordBytes(source, last, bytes);
+        if (held < RecordLength && last >= 2 && lastBytes) WriteRecordBytes(source, last, *lastBytes);
         WriteRecordCount(source, counter);
         DeleteIfExists(output.Path);
     }

@@ -211,3 +211,43 @@ TEST(DrawingProperties, ShortestSingleTextReadsBackAcrossAllExponents) {
         ASSERT_EQ(Bits(r.Value[1]), Bits(v)) << text;
     }
 }
+
+// A run of records read at once holds what reading each in turn gives: the bytes on disk, a
+// partial last record and records past the end with zeros behind.
+RC_GTEST_PROP(DrawingProperties, ARunOfRecordsReadsAsEachRecordInTurn, ()) {
+    const size_t size = *rc::gen::inRange<size_t>(0, 6 * RecordLength);
+    std::string data(size, '\0');
+    for (size_t i = 0; i < size; ++i) data[i] = static_cast<char>(i * 7 + 3);
+    TempDir dir;
+    const std::string path = dir.Path + "/run.drw";
+    WriteFileAtomically(path, data);
+    const int32_t first = *rc::gen::inRange(1, 8);
+    const size_t count = *rc::gen::inRange<size_t>(0, 6);
+    DrawingFile file;
+    OpenDrawing(file, path);
+    std::vector<RecordBytes> run(count + 1);
+    const size_t got = ReadRecordRun(file, first, run.data(), count);
+    size_t total = 0;
+    for (size_t i = 0; i < count; ++i) {
+        RecordBytes one;
+        const size_t held = ReadRecordBytes(file, first + static_cast<int32_t>(i), one);
+        RC_ASSERT(one == run[i]);
+        RC_ASSERT(held == HeldOfRun(got, i));
+        total += held;
+    }
+    RC_ASSERT(got == total);
+    CloseDrawing(file);
+}
+
+TEST(DrawingProperties, ARunOfNoRecordsReadsNothing) {
+    TempDir dir;
+    const std::string path = dir.Path + "/empty.drw";
+    WriteFileAtomically(path, std::string(RecordLength, 'x'));
+    DrawingFile file;
+    OpenDrawing(file, path);
+    RecordBytes one;
+    EXPECT_EQ(ReadRecordRun(file, 1, &one, 0), 0u);
+    EXPECT_EQ(ReadRecordRun(file, 1, &one, 1), RecordLength);
+    EXPECT_EQ(one[0], 'x');
+    CloseDrawing(file);
+}
