@@ -334,7 +334,10 @@ void EvaluateWord(RunState& state, const WordTag& tag) {
         field.clear();
         if (active && !textWanted) {
             ReadConvText(state, *form, field);
-            if (!IsNoValue(e.PostValue)) field += ValueAsText(e.PostValue);
+            if (!IsNoValue(e.PostValue)) {
+                if (e.PostValue.Type == PostValueType::Kind::Text) field += e.PostValue.Text;
+                else field += ValueAsText(e.PostValue);
+            }
             RunSetTag(state, *form);
         }
         if (active && textWanted) {

@@ -75,6 +75,8 @@ void CloseInputChannel(RunState& state, int channel) {
 DefinitionText& HeldTextOf(RunState& state, int channel) {
     TextInput& in = InputChannel(state, channel);
     auto& held = state.Engine.HeldTexts[static_cast<size_t>(channel)];
+    // The quick case: the engine opened the channel on the text it holds.
+    if (held && in.Open && held->Data == in.Data && in.Data) return *held;
     if (!in.Open) FileFault("File not open", in.Path);
     if (IsStreamed(in)) RunFault("No held text on a streamed channel: " + in.Path);
     // A channel opened outside the engine has no held text yet: split what it reads.

@@ -120,6 +120,7 @@ FormatForm ParseFormat(const std::string& format) {
         padText = r.substr(pAt + 1);
     }
     f.Decimals = LeadingNumber(decimalsText);
+    f.DecimalsFit = RoundsIntoInt32(f.Decimals, f.Places);
     f.Pad = LeadingNumber(padText);
     return f;
 }
@@ -423,7 +424,7 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
 
     const double decimals = form.Decimals;
     if (decimals != -1) {
-        const int32_t places = ToInteger32(decimals, "format");
+        const int32_t places = form.DecimalsFit ? form.Places : ToInteger32(decimals, "format");
         number();
         SetNumberText(value, places);
     }

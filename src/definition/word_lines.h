@@ -33,6 +33,8 @@ struct FormatForm {
     bool CodeReversed = false;  // ")" in front of "("
     double Code = 0;
     double Decimals = -1;
+    bool DecimalsFit = false;  // the decimals round into a whole number of 32 bits: Places
+    int32_t Places = 0;
     double Pad = -1;
     bool HasMax = false;
     double MaxCount = 0;
