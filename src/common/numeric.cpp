@@ -40,7 +40,7 @@ double NormPeriod(double angle, double period) {
 
 }  // namespace
 
-float ToSingle(double v) {
+float ToSingleBeyondRange(double v) {
     constexpr double largest = static_cast<double>(std::numeric_limits<float>::max());
     // Values up to half a unit beyond the largest single still round to it.
     constexpr double limit = largest + largest / 33554432.0;  // 2^25: half a unit in the last place
@@ -93,7 +93,7 @@ bool RoundsIntoInt32(double value, int32_t& out) {
     return true;
 }
 
-double RoundTo(double value, int places) {
+double RoundToBeyondRange(double value, int places) {
     if (places > 6) places = 6;
     int32_t whole = 0;
     if (places >= 1) {

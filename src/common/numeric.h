@@ -1,7 +1,9 @@
 #pragma once
 // Angles, rounding and plane geometry. Pi is the decimal 3.14159265 throughout, never the
 // full-precision value: results that reach a machine depend on it.
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <string>
 
 namespace tvx {
@@ -14,7 +16,13 @@ inline constexpr double PowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6
 
 // Rounds a double to the nearest 32-bit single: every store into a record or a table cell
 // goes through this. A finite value beyond the single's range is the fault "Overflow".
-float ToSingle(double v);
+float ToSingleBeyondRange(double v);
+inline float ToSingle(double v) {
+    // The common case, a value within the single's range, inline; the rest (beyond it, or not
+    // a number) is looked at out of line.
+    if (std::fabs(v) <= static_cast<double>(std::numeric_limits<float>::max())) return static_cast<float>(v);
+    return ToSingleBeyondRange(v);
+}
 
 double Norm360(double angle);
 double Norm180(double angle);
@@ -22,7 +30,19 @@ double Norm90(double angle);
 double RadToDeg(double radians);
 void PolarToXY(double distance, double angle, double& x, double& y);
 void XYToPolar(double x, double y, double& distance, double& angle);
-double RoundTo(double value, int places);
+// Rounds to the given decimal places (at most 6) through a whole number of units of the last
+// place, halves to even; beyond 32 bits through the text form, cut behind the decimals.
+double RoundToBeyondRange(double value, int places);
+inline double RoundTo(double value, int places) {
+    // The common case inline: the units of the last place fit a 32-bit integer. A result of
+    // zero is +0, as the integer it came through gives it.
+    if (places >= 1 && places <= 6) {
+        const double scale = PowersOfTen[places];
+        const double units = std::rint(value * scale);
+        if (units >= -2147483648.0 && units <= 2147483647.0) return units == 0 ? 0.0 : units / scale;
+    }
+    return RoundToBeyondRange(value, places);
+}
 float AddAngles(double a, double b);
 void RotatePoint(double cx, double cy, double& x, double& y, double turn);
 bool PointInBox(float a, float b, float c, float d, double x, double y);

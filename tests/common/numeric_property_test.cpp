@@ -67,6 +67,33 @@ RC_GTEST_PROP(RoundToProperty, OverflowPathTruncatesBehindThePlaces, ()) {
     RC_ASSERT(RoundTo(value, places) == expected);
 }
 
+// The rounding made inline for the common case gives the bits of the whole rounding.
+RC_GTEST_PROP(RoundToProperty, InlineCaseGivesTheBitsOfTheWholeRounding, ()) {
+    const int places = *rc::gen::inRange(-2, 10);
+    const double value = *rc::gen::oneOf(rc::gen::map(rc::gen::inRange(-2000000000, 2000000000),
+                                                      [](int v) { return v / 977.0; }),
+                                         rc::gen::arbitrary<double>(),
+                                         rc::gen::element(0.0, -0.0, -0.0004, 0.0005, -2147483.6475, 2147483.6475,
+                                                          2147483.6485, 1e300, -1e300));
+    RC_ASSERT(Bits(RoundTo(value, places)) == Bits(RoundToBeyondRange(value, places)));
+}
+
+TEST(RoundTo, ZeroIsPositiveWhateverTheSignOfWhatRoundedToIt) {
+    EXPECT_FALSE(std::signbit(RoundTo(-0.0001, 3)));
+    EXPECT_FALSE(std::signbit(RoundTo(-0.0, 2)));
+    EXPECT_EQ(RoundTo(2.5, 0), 2.0);
+    EXPECT_EQ(RoundTo(0.125, 2), 0.12);
+    EXPECT_TRUE(std::isnan(RoundTo(std::nan(""), 3)));
+}
+
+RC_GTEST_PROP(ToSingleProperty, InlineCaseGivesTheBitsOfTheWholeConversion, ()) {
+    const double value = *rc::gen::oneOf(rc::gen::arbitrary<double>(),
+                                         rc::gen::map(rc::gen::arbitrary<float>(), [](float f) { return static_cast<double>(f); }),
+                                         rc::gen::element(3.4028234663852886e38, -3.4028234663852886e38, 3.40282357e38, 0.0, -0.0));
+    RC_PRE(std::isnan(value) || std::fabs(value) < 3.4028235677973366e38);
+    RC_ASSERT(Bits(ToSingle(value)) == Bits(ToSingleBeyondRange(value)));
+}
+
 RC_GTEST_PROP(Norm360Property, AlwaysInRange, ()) {
     const double angle = *rc::gen::inRange(-100000000, 100000000) / 1000.0;
     const double n = Norm360(angle);
