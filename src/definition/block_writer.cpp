@@ -28,7 +28,8 @@ constexpr std::array<std::string_view, 7> DeferredNames = {"BLOCK_NUMBER1",    "
 
 // The number of a layout tag (1 to 4), or 0.
 int LayoutNumber(const std::string& tag) {
-    if (tag.size() < 11 || tag.size() > 13) return 0;
+    // Every layout name is 11 to 13 letters and ends in "LAYOUT".
+    if (tag.size() < 11 || tag.size() > 13 || tag.back() != 'T') return 0;
     for (size_t i = 0; i < LayoutNames.size(); ++i)
         if (tag == LayoutNames[i]) return static_cast<int>(i) + 1;
     return 0;

@@ -67,6 +67,8 @@ void ForgetDefinition(DefinitionCache& cache, const std::string& path) {
     cache.Files.erase(key);
     cache.Written.insert(key);
     cache.ByExactPath.clear();
+    cache.LastPath.clear();
+    cache.LastText.reset();
 }
 
 bool ReadAsStream(DefinitionCache& cache, const std::string& path) {
@@ -81,8 +83,13 @@ bool ReadAsStream(DefinitionCache& cache, const std::string& path) {
 }
 
 std::shared_ptr<DefinitionText> HeldDefinitionOf(DefinitionCache& cache, const std::string& path) {
-    // The quick case first: a definition file opened again and again by the same path.
-    if (auto exact = cache.ByExactPath.find(path); exact != cache.ByExactPath.end()) return exact->second;
+    // The quick cases first: a definition file opened again and again by the same path.
+    if (cache.LastText && path == cache.LastPath) return cache.LastText;
+    if (auto exact = cache.ByExactPath.find(path); exact != cache.ByExactPath.end()) {
+        cache.LastPath = path;
+        cache.LastText = exact->second;
+        return exact->second;
+    }
     if (ReadAsStream(cache, path)) return nullptr;
     return CachedDefinition(cache, path);
 }

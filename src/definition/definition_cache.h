@@ -70,6 +70,10 @@ struct DefinitionCache {
     std::unordered_map<std::string, std::shared_ptr<DefinitionText>> Files;
     // The same entries by the path exactly as the engine passed it, for the quick case.
     std::unordered_map<std::string, std::shared_ptr<DefinitionText>> ByExactPath;
+    // The entry the last lookup by exact path gave, for a definition opened again and again
+    // by the same path; dropped with the exact paths whenever a file is forgotten.
+    std::string LastPath;
+    std::shared_ptr<DefinitionText> LastText;
     // Files that the system has written during the run, by key.
     std::unordered_set<std::string> Written;
     // A file over this many bytes is read as a stream.
