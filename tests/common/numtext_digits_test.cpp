@@ -7,6 +7,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "common/numeric.h"
 #include "common/numtext.h"
@@ -28,6 +31,22 @@ void ExpectSameRounding(double value, int digits, const std::string& plain) {
     const double printed = std::strtod(PrintfDigits(value, digits).c_str(), nullptr);
     const double read = std::strtod(plain.c_str(), nullptr);
     EXPECT_EQ(read, printed) << plain << " vs " << PrintfDigits(value, digits);
+}
+
+// The reference of a leading number: the text less its blanks, read by the C library as far as
+// it forms a number in the system's forms, with the sign of a zero.
+void ExpectReadAsTheCLibraryReadsIt(const std::string& text) {
+    std::string clean;
+    for (char c : text)
+        if (c != ' ' && c != '\t') clean += c;
+    for (char& c : clean)
+        if (c == 'd' || c == 'D') c = 'e';
+    char* end = nullptr;
+    double expected = std::strtod(clean.c_str(), &end);
+    if (end == clean.c_str()) expected = 0;
+    const double actual = LeadingNumber(text);
+    RC_ASSERT(actual == expected);
+    RC_ASSERT(std::signbit(actual) == std::signbit(expected));
 }
 
 }  // namespace
@@ -68,19 +87,7 @@ RC_GTEST_PROP(LeadingNumberWhole, WholeNumbersReadAsTheirValue, ()) {
     std::string text = blanks + sign;
     for (char c : digits) text += std::string(1, c) + (*rc::gen::inRange(0, 4) == 0 ? " " : "");
     text += tail;
-    // The reference: the text less its blanks, read by the C library as far as it forms a
-    // number in the system's forms.
-    std::string clean;
-    for (char c : text)
-        if (c != ' ' && c != '\t') clean += c;
-    for (char& c : clean)
-        if (c == 'd' || c == 'D') c = 'e';
-    char* end = nullptr;
-    double expected = std::strtod(clean.c_str(), &end);
-    if (end == clean.c_str()) expected = 0;
-    const double actual = LeadingNumber(text);
-    RC_ASSERT(actual == expected);
-    RC_ASSERT(std::signbit(actual) == std::signbit(expected));
+    ExpectReadAsTheCLibraryReadsIt(text);
 }
 
 RC_GTEST_PROP(LeadingNumberDecimal, PlainDecimalsReadAsTheCLibraryReadsThem, ()) {
@@ -96,31 +103,16 @@ RC_GTEST_PROP(LeadingNumberDecimal, PlainDecimalsReadAsTheCLibraryReadsThem, ())
     std::string text = *rc::gen::element<std::string>("", " ", "\t ") + sign;
     for (char c : whole + "." + fraction) text += std::string(1, c) + (*rc::gen::inRange(0, 5) == 0 ? " " : "");
     text += tail;
-    std::string clean;
-    for (char c : text)
-        if (c != ' ' && c != '\t') clean += c;
-    for (char& c : clean)
-        if (c == 'd' || c == 'D') c = 'e';
-    char* end = nullptr;
-    double expected = std::strtod(clean.c_str(), &end);
-    if (end == clean.c_str()) expected = 0;
-    const double actual = LeadingNumber(text);
-    RC_ASSERT(actual == expected);
-    RC_ASSERT(std::signbit(actual) == std::signbit(expected));
+    ExpectReadAsTheCLibraryReadsIt(text);
 }
 
 TEST(LeadingNumberDecimal, FifteenDigitsReadDirectlyAndMoreAsTheLibraryReadsThem) {
-    EXPECT_EQ(LeadingNumber("12.34"), 12.34);
-    EXPECT_EQ(LeadingNumber("-0.1"), -0.1);
+    const std::vector<std::pair<std::string, double>> readings = {
+        {"12.34", 12.34}, {"-0.1", -0.1}, {".5", 0.5}, {"5.", 5.0}, {"1.2.3", 1.2},
+        {"99999999999999.9", 99999999999999.9}, {"0.1234567890123456789", 0.1234567890123456789},
+        {"2.675", 2.675}, {"1.5E3", 1500.0}, {".", 0.0}};
+    for (const auto& [text, value] : readings) EXPECT_EQ(LeadingNumber(text), value) << text;
     EXPECT_TRUE(std::signbit(LeadingNumber("-0.00")));
-    EXPECT_EQ(LeadingNumber(".5"), 0.5);
-    EXPECT_EQ(LeadingNumber("5."), 5.0);
-    EXPECT_EQ(LeadingNumber("1.2.3"), 1.2);
-    EXPECT_EQ(LeadingNumber("99999999999999.9"), 99999999999999.9);
-    EXPECT_EQ(LeadingNumber("0.1234567890123456789"), 0.1234567890123456789);
-    EXPECT_EQ(LeadingNumber("2.675"), 2.675);
-    EXPECT_EQ(LeadingNumber("1.5E3"), 1500.0);
-    EXPECT_EQ(LeadingNumber("."), 0.0);
 }
 
 TEST(LeadingNumberWhole, SignOfZeroAndPrefixes) {

@@ -4,6 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <fstream>
+#include <memory>
 
 #include "common/fault.h"
 #include "common/textfile.h"
@@ -241,13 +242,28 @@ RC_GTEST_PROP(DefinitionStreams, BodyLinesOfAHeldTextAreThoseOfAStream, ()) {
     RC_ASSERT(reads[0] == reads[1]);
 }
 
+namespace {
+
+// A definition of the given bytes opened on the definition's channel at level 0, held or read
+// as a stream.
+struct BodyReader {
+    TempDir Dir;
+    std::unique_ptr<Reader> R;
+    BodyReader(const std::string& bytes, bool streamed) {
+        const std::string path = Dir.Path + "/def.pst";
+        WriteBytes(path, bytes);
+        R = std::make_unique<Reader>(path, streamed);
+        OpenDefinitionInput(R->State, ChannelDefinition, path);
+        R->State.Engine.PostChannel = ChannelDefinition;
+    }
+    ~BodyReader() { CloseInputChannel(R->State, ChannelDefinition); }
+};
+
+}  // namespace
+
 TEST(DefinitionStreams, AHeldBodyLineIsTakenWithItsTextAndLine) {
-    TempDir dir;
-    const std::string path = dir.Path + "/def.pst";
-    WriteBytes(path, "A=TRUE\r\nG0\r\n******\r\n");
-    Reader r(path, false);
-    OpenDefinitionInput(r.State, ChannelDefinition, path);
-    r.State.Engine.PostChannel = ChannelDefinition;
+    BodyReader body("A=TRUE\r\nG0\r\n******\r\n", false);
+    Reader& r = *body.R;
     std::string line;
     ReadDefinitionLine(r.State, line);
     ReadDefinitionLine(r.State, line);
@@ -256,19 +272,12 @@ TEST(DefinitionStreams, AHeldBodyLineIsTakenWithItsTextAndLine) {
     EXPECT_EQ(r.State.Engine.PostDefIndex, 1);
     ReadDefinitionLine(r.State, line);
     EXPECT_EQ(BodyMarksOf(*r.State.Engine.PostDefText, r.State.Engine.PostDefIndex) & MarkBlockEnd, MarkBlockEnd);
-    CloseInputChannel(r.State, ChannelDefinition);
 }
 
 TEST(DefinitionStreams, AStreamedBodyLineHasNoHeldText) {
-    TempDir dir;
-    const std::string path = dir.Path + "/def.pst";
-    WriteBytes(path, "A=TRUE\r\nG0\r\n");
-    Reader r(path, true);
-    OpenDefinitionInput(r.State, ChannelDefinition, path);
-    r.State.Engine.PostChannel = ChannelDefinition;
+    BodyReader body("A=TRUE\r\nG0\r\n", true);
     std::string line;
-    ReadDefinitionLine(r.State, line);
+    ReadDefinitionLine(body.R->State, line);
     EXPECT_EQ(line, "A=TRUE");
-    EXPECT_EQ(r.State.Engine.PostDefText, nullptr);
-    CloseInputChannel(r.State, ChannelDefinition);
+    EXPECT_EQ(body.R->State.Engine.PostDefText, nullptr);
 }
