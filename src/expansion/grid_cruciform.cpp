@@ -55,6 +55,20 @@ void GridPass(RunState&, const std::string& drawing) {
     CloseDrawing(file);
 }
 
+bool IsCruciformCandidate(int16_t code, char letter) { return code == 130 && letter == 'M'; }
+
+void CruciformPass(RunState& state, const std::string& drawing, const CruciformCensus& census) {
+    if (census.Taken && !census.Candidates) {
+        // The walk just before saw every record as it stands and no arc of an "M" tool: the
+        // walk would change nothing.
+        ShowProgress("Processing Cruciforms");
+        SetProgress(100);
+        state.Job.WorkingCount = 0;
+        return;
+    }
+    CruciformPass(state, drawing);
+}
+
 void CruciformPass(RunState& state, const std::string& drawing) {
     DrawingFile file;
     OpenDrawing(file, drawing);
@@ -69,7 +83,7 @@ void CruciformPass(RunState& state, const std::string& drawing) {
         file, 1, count < onDisk ? count : onDisk,
         [count](int32_t n, const RecordBytes& bytes) {
             SetProgress(count > 0 ? static_cast<int>(static_cast<double>(n) / count * 100) : 100);
-            return EntityCodeOf(bytes) == 130 && ToolLetterOf(bytes) == 'M';
+            return IsCruciformCandidate(EntityCodeOf(bytes), ToolLetterOf(bytes));
         },
         [&state](int32_t, DrawRecord& record) {
             const bool arc = IsRadiusPunchArc(record);

@@ -45,10 +45,21 @@ CopyPlace MultipartCopyPlace(int16_t order, int32_t columns, int32_t rows, int64
 // 4 decimals), reversed when the copy is walked backwards, and bound.
 void MultipartCopy(const MachineState& machine, const DrawRecord& partRecord, const PartCopies& layout,
                    const CopyPlace& place, bool reversed, DrawRecord& copy);
+// What a walk over a drawing tells the cruciform pass that follows it: taken when the walk left
+// every record as it stood, and then whether any record it walked is one the cruciform pass
+// looks at. The cruciform pass has no need to walk a drawing of none.
+struct CruciformCensus {
+    bool Taken = false;
+    bool Candidates = false;
+};
+// The records the cruciform pass looks at: arcs (130) of an "M" tool.
+bool IsCruciformCandidate(int16_t code, char letter);
 void AssociativeToolingPass(RunState& state, const std::string& drawing);
+void AssociativeToolingPass(RunState& state, const std::string& drawing, CruciformCensus& census);
 void ShapePass(RunState& state, const std::string& drawing);
 void GridPass(RunState& state, const std::string& drawing);
 void CruciformPass(RunState& state, const std::string& drawing);
+void CruciformPass(RunState& state, const std::string& drawing, const CruciformCensus& census);
 // Places the tooling drawing of an entity's library tool on AssTool.drw, for the generation
 // loop to read next.
 void MakeAssociatedTooling(RunState& state, DrawRecord& record);

@@ -81,7 +81,8 @@ constexpr size_t PassBatchRecords = 256;
 // file holds: a RecordCount beyond the last record on disk ends the walk at that record, so
 // that a damaged count neither walks records of zeros without end nor invents them; the count
 // written back is then the number of records the walk made.
-void RewriteByPass(RunState& state, const std::string& drawing, const std::string& caption, const PassRule& rule) {
+void RewriteByPass(RunState& state, const std::string& drawing, const std::string& caption, const PassRule& rule,
+                   CruciformCensus* census = nullptr) {
     DrawingFile source;
     OpenDrawing(source, drawing);
     const int32_t count = ReadRecordCount(source);
@@ -113,6 +114,8 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
         RecordBytes& bytes = batch[index];
         lastBytes = &bytes;
         held = HeldOfRun(batchGot, index);
+        if (census && !census->Candidates && IsCruciformCandidate(EntityCodeOf(bytes), ToolLetterOf(bytes)))
+            census->Candidates = true;
         bool split = false;
         bool changed = false;
         if (rule.Sees(EntityCodeOf(bytes), ToolLetterOf(bytes))) {
@@ -152,6 +155,7 @@ void RewriteByPass(RunState& state, const std::string& drawing, const std::strin
     }
     CloseDrawing(source);
     state.Job.WorkingCount = counter;
+    if (census) census->Taken = !output.Made;
 }
 
 bool IsLibraryLetter(const DrawRecord& record) { return LetterIs(record.ToolA, 'U'); }
@@ -248,6 +252,12 @@ bool StartPosition(const DrawRecord& record, SinglePoint& position) {
 
 void AssociativeToolingPass(RunState& state, const std::string& drawing) {
     RewriteByPass(state, drawing, "Processing Associative Tooling", PassRule{MayBeLibraryTooled, AssociativeToolingChoice});
+}
+
+void AssociativeToolingPass(RunState& state, const std::string& drawing, CruciformCensus& census) {
+    census = CruciformCensus{};
+    RewriteByPass(state, drawing, "Processing Associative Tooling", PassRule{MayBeLibraryTooled, AssociativeToolingChoice},
+                  &census);
 }
 
 void ShapePass(RunState& state, const std::string& drawing) {

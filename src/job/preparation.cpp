@@ -51,8 +51,10 @@ void PrepareDrawing(RunState& state) {
         TakeHeader(state, drawing, header);
     }
     if (state.Machine.IsToolMachine) {
-        AssociativeToolingPass(state, job.DrawingFile);
-        CruciformPass(state, job.DrawingFile);
+        // The tooling walk tells the cruciform pass whether it has anything to look at.
+        CruciformCensus census;
+        AssociativeToolingPass(state, job.DrawingFile, census);
+        CruciformPass(state, job.DrawingFile, census);
     }
 }
 

@@ -2,6 +2,7 @@
 // radius punch become hits, the working count it holds while it walks) and the grid pass (grids
 // of exchanged axes take the plain form).
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -266,4 +267,85 @@ TEST(GridPass, ALongDrawingChangesOnlyItsExchangedGrids) {
     }
     // The grids of numbers that are no multiple of 3 (exchanged) nor of 5 (with a tool).
     EXPECT_EQ(unswapped, 319);
+}
+
+TEST(CruciformCensus, AToolingWalkThatLeavesTheDrawingTellsOfItsRadiusArcs) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(3), Entity(120), QuarterArc(90, 1)});
+    CruciformCensus census;
+    AssociativeToolingPass(f.State, drawing, census);
+    EXPECT_TRUE(census.Taken);
+    EXPECT_TRUE(census.Candidates);
+    CruciformPass(f.State, drawing, census);
+    EXPECT_EQ(ReadDrawing(drawing).at(2).EntityCode, 210);
+}
+
+// An arc of another tool is no candidate: only an "M" tool's arc is looked at.
+TEST(CruciformCensus, AnArcOfAnotherToolIsNoCandidate) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(2), QuarterArc(90, 1, "B")});
+    CruciformCensus census;
+    AssociativeToolingPass(f.State, drawing, census);
+    EXPECT_TRUE(census.Taken);
+    EXPECT_FALSE(census.Candidates);
+}
+
+// A census of no candidates spares the walk: a radius arc written behind the census's back is
+// left as it is, which the walk would have punched.
+TEST(CruciformCensus, ACensusOfNoCandidatesSparesTheWalk) {
+    PassFixture f;
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(2), Entity(120)});
+    CruciformCensus census;
+    AssociativeToolingPass(f.State, drawing, census);
+    ASSERT_TRUE(census.Taken);
+    ASSERT_FALSE(census.Candidates);
+    WriteDrawing(drawing, {Header(2), QuarterArc(90, 1)});
+    f.State.Job.WorkingCount = 9;
+    CruciformPass(f.State, drawing, census);
+    EXPECT_EQ(f.State.Job.WorkingCount, 0);
+    EXPECT_EQ(ReadDrawing(drawing).at(1).EntityCode, 130);
+    CruciformPass(f.State, drawing);
+    EXPECT_EQ(ReadDrawing(drawing).at(1).EntityCode, 210);
+}
+
+// With the census or without it, the tooling walk and the cruciform pass leave the same bytes.
+RC_GTEST_PROP(CruciformCensus, TheSparedWalkLeavesWhatTheWalkLeaves, ()) {
+    std::vector<DrawRecord> records;
+    const int count = *rc::gen::inRange(0, 6);
+    for (int i = 0; i < count; ++i) {
+        switch (*rc::gen::inRange(0, 5)) {
+            case 0: records.push_back(QuarterArc(90, 1)); break;
+            case 1: records.push_back(QuarterArc(45, 1)); break;
+            case 2: records.push_back(QuarterArc(90, 1, "B")); break;
+            case 3: records.push_back(Entity(120)); break;
+            default: records.push_back(Entity(210)); break;
+        }
+    }
+    const int32_t stated = *rc::gen::inRange(0, count + 3);
+    records.insert(records.begin(), Header(stated));
+    const size_t cut = *rc::gen::inRange<size_t>(0, 300);
+    std::vector<std::string> results;
+    for (bool withCensus : {false, true}) {
+        PassFixture f;
+        const std::string drawing = f.Path("Progmain.drw");
+        WriteDrawing(drawing, records);
+        // A partial last record, as a damaged drawing may end.
+        std::string bytes = ReadAllBytes(drawing);
+        bytes.resize(bytes.size() - std::min(cut, bytes.size() - RecordLength));
+        WriteFileAtomically(drawing, bytes);
+        if (withCensus) {
+            CruciformCensus census;
+            AssociativeToolingPass(f.State, drawing, census);
+            CruciformPass(f.State, drawing, census);
+        } else {
+            AssociativeToolingPass(f.State, drawing);
+            CruciformPass(f.State, drawing);
+        }
+        RC_ASSERT(f.State.Job.WorkingCount == 0);
+        results.push_back(ReadAllBytes(drawing));
+    }
+    RC_ASSERT(results[0] == results[1]);
 }

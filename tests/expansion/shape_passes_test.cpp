@@ -447,8 +447,10 @@ TEST(AssociativeToolingPass, RecordOneIsWalkedButKeepsItsFormApartFromTheCount) 
     EXPECT_EQ(f.State.Job.WorkingCount, 2);
 }
 
-TEST(AssociativeToolingPass, ALibraryToolIsReplacedByItsPlacedDrawing) {
-    PassFixture f;
+namespace {
+
+// A rectangle whose library tool "HOOK" places two hits, (10, 0) and (0, 4), turned by 90.
+DrawRecord HookedRectangle(PassFixture& f) {
     DrawRecord rectangle = UntooledRectangle(0);
     rectangle.Value[10] = 90;
     rectangle.After = AfterAction{2, 0.5f};
@@ -459,6 +461,14 @@ TEST(AssociativeToolingPass, ALibraryToolIsReplacedByItsPlacedDrawing) {
     DrawRecord second = first;
     second.Point[4] = SinglePoint{0, 4};
     WriteDrawing(JobShapePath(f.State, rectangle, ToolDrawingMode), {Header(3), first, second});
+    return rectangle;
+}
+
+}  // namespace
+
+TEST(AssociativeToolingPass, ALibraryToolIsReplacedByItsPlacedDrawing) {
+    PassFixture f;
+    const DrawRecord rectangle = HookedRectangle(f);
     DrawRecord dwell = Entity(311);
     const std::vector<DrawRecord> after = Passed(f, {Header(3), rectangle, dwell}, AssociativeToolingPass);
     ASSERT_EQ(after.size(), 4u);
@@ -683,4 +693,18 @@ TEST(ShapePass, AFailedSplitLeavesTheWorkingFileAsAWholeRewriteLeavesIt) {
         EXPECT_EQ(end.Text.rfind("Cannot split record 601 of Progmain.drw (code 152): ", 0), 0u) << end.Text;
     }
     EXPECT_EQ(FileBytes(f.Path("PTemp.tmp")), FileBytes(drawing).substr(0, 512 * RecordLength));
+}
+
+// A walk that changed the drawing takes no census: the cruciform pass walks what it left.
+TEST(CruciformCensus, AToolingWalkThatReplacesARecordTakesNone) {
+    PassFixture f;
+    const DrawRecord rectangle = HookedRectangle(f);
+    const std::string drawing = f.Path("Progmain.drw");
+    WriteDrawing(drawing, {Header(2), rectangle});
+    CruciformCensus census;
+    census.Candidates = true;  // from an earlier walk: taken anew
+    AssociativeToolingPass(f.State, drawing, census);
+    EXPECT_FALSE(census.Taken);
+    EXPECT_FALSE(census.Candidates);
+    EXPECT_EQ(ReadDrawing(drawing).size(), 3u);
 }
