@@ -194,11 +194,12 @@ std::string PlainTextDigits(double value, int digits, int exponentLimit) {
     return std::string(text, WritePlainTextDigits(text, value, digits, exponentLimit));
 }
 
-// The plain text without its leading blank.
-std::string BarePlainTextDigits(double value, int digits, int exponentLimit) {
+// The plain text without its leading blank, made in place.
+void AssignBarePlainTextDigits(std::string& out, double value, int digits, int exponentLimit) {
     char text[PlainTextRoom];
     const size_t n = WritePlainTextDigits(text, value, digits, exponentLimit);
-    return text[0] == ' ' ? std::string(text + 1, n - 1) : std::string(text, n);
+    if (text[0] == ' ') out.assign(text + 1, n - 1);
+    else out.assign(text, n);
 }
 
 bool IsBlankForNumber(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -279,19 +280,19 @@ std::string FreeForm(std::string text) {
 
 std::string PlainText(double value) { return PlainTextDigits(value, 15, 15); }
 std::string PlainText(float value) { return PlainTextDigits(static_cast<double>(value), 7, 7); }
-std::string BarePlainText(double value) { return BarePlainTextDigits(value, 15, 15); }
-std::string BarePlainText(float value) { return BarePlainTextDigits(static_cast<double>(value), 7, 7); }
-void AssignBarePlainText(std::string& text, double value) {
-    char digits[PlainTextRoom];
-    const size_t n = WritePlainTextDigits(digits, value, 15, 15);
-    if (digits[0] == ' ') text.assign(digits + 1, n - 1);
-    else text.assign(digits, n);
-}
+void AssignBarePlainText(std::string& text, double value) { AssignBarePlainTextDigits(text, value, 15, 15); }
 void AssignBarePlainText(std::string& text, float value) {
-    char digits[PlainTextRoom];
-    const size_t n = WritePlainTextDigits(digits, static_cast<double>(value), 7, 7);
-    if (digits[0] == ' ') text.assign(digits + 1, n - 1);
-    else text.assign(digits, n);
+    AssignBarePlainTextDigits(text, static_cast<double>(value), 7, 7);
+}
+std::string BarePlainText(double value) {
+    std::string text;
+    AssignBarePlainText(text, value);
+    return text;
+}
+std::string BarePlainText(float value) {
+    std::string text;
+    AssignBarePlainText(text, value);
+    return text;
 }
 void AppendPlainText(std::string& text, float value) {
     char digits[PlainTextRoom];

@@ -192,8 +192,7 @@ ptrdiff_t HeldWordStop(RunState& state, DefinitionText& text, const std::vector<
     // would find.
     int32_t next = hint;
     if (next < 0 || static_cast<size_t>(next) >= text.LineStart.size() || text.LineStart[static_cast<size_t>(next)] != in.Pos)
-        next = static_cast<int32_t>(std::lower_bound(text.LineStart.begin(), text.LineStart.end() - 1, in.Pos) -
-                                    text.LineStart.begin());
+        next = text.LineFrom(in.Pos);
     auto stop = std::lower_bound(stops.begin(), stops.end(), next,
                                  [](const WordStop& s, int32_t line) { return s.Line < line; });
     if (stop == stops.end()) {

@@ -1,7 +1,5 @@
 #include "definition/called_blocks.h"
 
-#include <algorithm>
-
 #include "common/fault.h"
 #include "common/numtext.h"
 #include "definition/definition_files.h"
@@ -53,9 +51,8 @@ DefinitionText* HeldLineAt(RunState& state, int channel, int32_t& index) {
     if (!in.Open || IsStreamed(in)) return nullptr;
     const auto& held = state.Engine.HeldTexts[static_cast<size_t>(channel)];
     if (!held || held->Data != in.Data || in.Pos >= held->Data->size()) return nullptr;
-    const auto& starts = held->LineStart;
-    index = static_cast<int32_t>(std::lower_bound(starts.begin(), starts.end() - 1, in.Pos) - starts.begin());
-    if (index >= held->LineCount() || starts[static_cast<size_t>(index)] != in.Pos) return nullptr;
+    index = held->LineFrom(in.Pos);
+    if (index >= held->LineCount() || held->LineStart[static_cast<size_t>(index)] != in.Pos) return nullptr;
     return held.get();
 }
 

@@ -7,6 +7,7 @@
 // Only the small files of a definition are held. A file that the system writes during the run
 // grows with the job, and so may any file over `HeldSizeLimit`: these are read as streams,
 // and their searches read them from the top line by line.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -56,6 +57,10 @@ struct DefinitionText {
     }
     // The read position behind a line: the start of the next one, or the end of the file.
     size_t After(int32_t index) const { return LineStart[static_cast<size_t>(index) + 1]; }
+    // The first line that starts at a read position or behind it; LineCount() when none does.
+    int32_t LineFrom(size_t pos) const {
+        return static_cast<int32_t>(std::lower_bound(LineStart.begin(), LineStart.end() - 1, pos) - LineStart.begin());
+    }
 };
 
 // The marks of a body line: known once looked at; the end-of-file byte 0xE2, a "[CALL ", the

@@ -114,14 +114,8 @@ PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view wh
     return DoubleValue(ValueAsNumber(value, what));
 }
 
-std::string PlainNumberText(const PostValueType& value, std::string_view what) {
-    // No value reads as its own text, whichever number form holds it.
-    if (value.Type != PostValueType::Kind::Text && value.Number == -9999.0) return NoValueText;
-    if (value.Type == PostValueType::Kind::Single) return BarePlainText(static_cast<float>(value.Number));
-    return BarePlainText(ValueAsNumber(value, what));
-}
-
 void SetPlainNumberText(PostValueType& value, std::string_view what) {
+    // No value reads as its own text, whichever number form holds it.
     if (value.Type != PostValueType::Kind::Text && value.Number == -9999.0) {
         SetText(value, NoValueText);
         return;

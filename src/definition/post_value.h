@@ -42,9 +42,8 @@ double ValueAsNumber(const PostValueType& value, std::string_view what);
 // The same for a number that keeps its precision: a single stays a single, a text becomes a
 // double.
 PostValueType ValueAsNumberValue(const PostValueType& value, std::string_view what);
-// The plain number text without the leading blank.
-std::string PlainNumberText(const PostValueType& value, std::string_view what);
-// The register made the text that PlainNumberText gives of it, in place.
+// The register made its plain number text without the leading blank, in place: a text is
+// read as its number first; no value, in either number form, becomes the text "-9999".
 void SetPlainNumberText(PostValueType& value, std::string_view what);
 // The register made the text of its number with the given places (NumberText), in place:
 // a single keeps the single form.

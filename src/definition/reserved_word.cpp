@@ -8,6 +8,15 @@
 
 namespace tvx {
 
+namespace {
+
+// The truth of a reserved-word line's form: its condition evaluated now, or its fixed truth.
+bool TruthOf(RunState& state, const TruthForm& form) {
+    return form.Conditional ? EvaluateCondition(state, form.Condition) : form.True;
+}
+
+}  // namespace
+
 bool LineTruth(RunState& state, const std::string& line) {
     auto& truths = state.Engine.Truths;
     TruthForm fresh;
@@ -20,7 +29,7 @@ bool LineTruth(RunState& state, const std::string& line) {
         fresh = ParseTruth(line);
         form = &fresh;
     }
-    return form->Conditional ? EvaluateCondition(state, form->Condition) : form->True;
+    return TruthOf(state, *form);
 }
 
 bool FindReservedWord(RunState& state, const std::string& word) {
@@ -37,7 +46,7 @@ bool FindReservedWord(RunState& state, const std::string& word) {
         auto& truth = text.Truths[static_cast<size_t>(found)];
         if (!truth) truth = std::make_shared<const TruthForm>(ParseTruth(std::string(text.Line(found))));
         const std::shared_ptr<const TruthForm> kept = truth;
-        return kept->Conditional ? EvaluateCondition(state, kept->Condition) : kept->True;
+        return TruthOf(state, *kept);
     }
     std::string line;
     PassFirstLineHolding(state, ChannelDefinition, word, false, line);

@@ -425,7 +425,7 @@ void ApplyFormat(RunState& state, const FormatForm& form) {
     const double decimals = form.Decimals;
     if (decimals != -1) {
         const int32_t places = form.DecimalsFit ? form.Places : ToInteger32(decimals, "format");
-        number();
+        number();  // a text becomes its number first
         SetNumberText(value, places);
     }
     const double pad = form.Pad;

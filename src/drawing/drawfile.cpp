@@ -314,22 +314,7 @@ void CloseDrawing(DrawingFile& file) {
 bool IsOpen(const DrawingFile& file) { return file.File != nullptr; }
 
 size_t ReadRecordBytes(DrawingFile& file, int32_t number, RecordBytes& bytes) {
-    RequireOpen(file);
-    FlushDrawing(file);
-    const off_t position = RecordPosition(file, number);
-    std::FILE* f = file.File.get();
-    size_t got = 0;
-    const bool inTurn = file.ReadPosition == static_cast<int64_t>(position);
-    file.ReadPosition = -1;
-    if (inTurn || ::fseeko(f, position, SEEK_SET) == 0) got = ReadUnlocked(bytes.data(), RecordLength, f);
-    if (got == RecordLength) file.ReadPosition = static_cast<int64_t>(position) + static_cast<int64_t>(RecordLength);
-    if (FailedUnlocked(f)) {
-        ClearUnlocked(f);
-        FileFault("Cannot read file", file.Path);
-    }
-    ClearUnlocked(f);
-    if (got < RecordLength) std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), 0);
-    return got;
+    return ReadRecordRun(file, number, &bytes, 1);
 }
 
 size_t ReadRecordRun(DrawingFile& file, int32_t first, RecordBytes* records, size_t count) {

@@ -5,6 +5,9 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "common/fault.h"
 #include "common/numtext.h"
@@ -302,21 +305,25 @@ RC_GTEST_PROP(ConditionForm, PlainComparisonGivesWhatItsTextGives, ()) {
 }
 
 TEST(ConditionForm, SingleComparisonOfCellsAndNumbersIsPlain) {
-    EXPECT_TRUE(ParseCondition("A=TRUE IF [P9=11]").Plain);
-    EXPECT_TRUE(ParseCondition("A=TRUE IF [ M3 <> P4 ]").Plain);
-    EXPECT_TRUE(ParseCondition("A=TRUE IF [P1>=VAL]").Plain);
-    EXPECT_FALSE(ParseCondition("A=TRUE IF [P1<P2=3]").Plain);  // two comparisons
-    EXPECT_FALSE(ParseCondition("A=TRUE IF [2P1=3]").Plain);    // a number that runs into a cell's text
-    EXPECT_FALSE(ParseCondition("A=TRUE IF [=<3]").Plain);      // no comparison of its own
+    const std::vector<std::pair<const char*, bool>> conditions = {
+        {"A=TRUE IF [P9=11]", true},
+        {"A=TRUE IF [ M3 <> P4 ]", true},
+        {"A=TRUE IF [P1>=VAL]", true},
+        {"A=TRUE IF [P1<P2=3]", false},  // two comparisons
+        {"A=TRUE IF [2P1=3]", false},    // a number that runs into a cell's text
+        {"A=TRUE IF [=<3]", false},      // no comparison of its own
+    };
+    for (const auto& [line, plain] : conditions) EXPECT_EQ(ParseCondition(line).Plain, plain) << line;
 }
 
 TEST(LineTruth, ConditionOfALineMetAgainIsEvaluatedAnew) {
     RunState state;
-    state.Tables.PostParam[9] = 11;
-    EXPECT_TRUE(LineTruth(state, "A=TRUE IF [P9=11]"));
-    state.Tables.PostParam[9] = 12;
-    EXPECT_FALSE(LineTruth(state, "A=TRUE IF [P9=11]"));
-    EXPECT_TRUE(LineTruth(state, "A=TRUE"));
-    EXPECT_FALSE(LineTruth(state, "A=FALSE"));
+    // The cell, the line, and its truth with the cell so.
+    const std::vector<std::tuple<float, const char*, bool>> meetings = {
+        {11, "A=TRUE IF [P9=11]", true}, {12, "A=TRUE IF [P9=11]", false}, {12, "A=TRUE", true}, {12, "A=FALSE", false}};
+    for (const auto& [cell, line, truth] : meetings) {
+        state.Tables.PostParam[9] = cell;
+        EXPECT_EQ(LineTruth(state, line), truth) << line << " with P9 " << cell;
+    }
     EXPECT_EQ(state.Engine.Truths.size(), 3u);
 }

@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "common/fault.h"
 #include "common/numeric.h"
@@ -252,15 +254,18 @@ RC_GTEST_PROP(CalcChain, ChainWorkedOnItsTermsGivesWhatItsTextGives, ()) {
 }
 
 TEST(CalcChain, PlainChainsAreKeptAsTerms) {
-    EXPECT_TRUE(ParseCalc("P204+P20").Chain);
-    EXPECT_TRUE(ParseCalc("p205 + 1").Chain);
-    EXPECT_TRUE(ParseCalc("2*M3/V1-.5").Chain);
-    EXPECT_FALSE(ParseCalc("-P1").Chain);      // a sign
-    EXPECT_FALSE(ParseCalc("(P1+2)").Chain);   // a group
-    EXPECT_FALSE(ParseCalc("2P1").Chain);      // a number that runs into a cell's text
-    EXPECT_FALSE(ParseCalc("P1+").Chain);      // an operator without its operand
-    EXPECT_FALSE(ParseCalc("P1+X").Chain);     // a letter the evaluator drops
-    EXPECT_FALSE(ParseCalc("").Chain);
+    const std::vector<std::pair<const char*, bool>> expressions = {
+        {"P204+P20", true},
+        {"p205 + 1", true},
+        {"2*M3/V1-.5", true},
+        {"-P1", false},     // a sign
+        {"(P1+2)", false},  // a group
+        {"2P1", false},     // a number that runs into a cell's text
+        {"P1+", false},     // an operator without its operand
+        {"P1+X", false},    // a letter the evaluator drops
+        {"", false},
+    };
+    for (const auto& [text, chain] : expressions) EXPECT_EQ(ParseCalc(text).Chain, chain) << text;
 }
 
 TEST(CalcChain, CellWithAnExponentTextGoesTheWayOfTheText) {
@@ -273,7 +278,22 @@ TEST(CalcChain, CellWithAnExponentTextGoesTheWayOfTheText) {
 }
 
 TEST(PostValue, NoValueInEitherNumberFormReadsAsItsOwnText) {
-    EXPECT_EQ(PlainNumberText(SingleValue(-9999.0f), "w"), NoValueText);
-    EXPECT_EQ(PlainNumberText(DoubleValue(-9999.0), "w"), NoValueText);
+    for (PostValueType value : {SingleValue(-9999.0f), DoubleValue(-9999.0), TextValue(NoValueText)}) {
+        SetPlainNumberText(value, "w");
+        EXPECT_EQ(value.Type, PostValueType::Kind::Text);
+        EXPECT_EQ(value.Text, NoValueText);
+    }
     EXPECT_TRUE(IsNoValue(TextValue(NoValueText)));
+}
+
+TEST(PostValue, ANumberOrANumericTextBecomesItsBarePlainText) {
+    PostValueType single = SingleValue(0.5f);
+    SetPlainNumberText(single, "w");
+    EXPECT_EQ(single.Text, ".5");
+    PostValueType text = TextValue(" 12.50 ");
+    SetPlainNumberText(text, "w");
+    EXPECT_EQ(text.Text, "12.5");
+    PostValueType negative = DoubleValue(-0.25);
+    SetPlainNumberText(negative, "w");
+    EXPECT_EQ(negative.Text, "-.25");
 }

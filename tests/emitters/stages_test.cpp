@@ -46,6 +46,12 @@ struct SubroutineFixture : JobFixture {
     }
 };
 
+// A stage applied: the parameter cell it set and the stage in force after it.
+void ExpectStage(const JobFixture& f, int cell, float value, int32_t current) {
+    EXPECT_EQ(f.State.Tables.PostParam[cell], value);
+    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, current);
+}
+
 }  // namespace
 
 TEST(ApplySettingsStage, VLineSetsTheNumericTableNotTheTextTable) {
@@ -75,8 +81,7 @@ TEST(ApplySettingsStage, MissingPunchStageFileIsNoErrorAndTheStageNumberStands) 
     int32_t stage = 7;
     ApplySettingsStage(f.State, stage, "A");
     EXPECT_EQ(f.State.Tables.PostParam[8], 7.0f);
-    EXPECT_EQ(f.State.Tables.PostParam[6], 1.0f);
-    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 0);
+    ExpectStage(f, 6, 1.0f, 0);
 }
 
 // A missing punch stage file is not looked for again with every record, but a stage file that
@@ -93,8 +98,7 @@ TEST(ApplySettingsStage, AMissingPunchStageFileIsSeenOnceTheSystemWritesIt) {
     EXPECT_EQ(f.State.Tables.PostParam[8], 3.0f);
     WriteAllLines(f.Path("PnchStg.3"), {"P40,12", "******"});
     ApplySettingsStage(f.State, stage, "A");
-    EXPECT_EQ(f.State.Tables.PostParam[40], 12.0f);
-    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 3);
+    ExpectStage(f, 40, 12.0f, 3);
 }
 
 // The missing file remembered is the file of one stage: another stage's file is looked for.
@@ -105,14 +109,12 @@ TEST(ApplySettingsStage, AMissingStageFileSaysNothingOfAnotherStage) {
     int32_t three = 3, four = 4;
     ApplySettingsStage(f.State, three, "A");
     ApplySettingsStage(f.State, four, "A");
-    EXPECT_EQ(f.State.Tables.PostParam[41], 2.0f);
-    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 4);
+    ExpectStage(f, 41, 2.0f, 4);
     // And a file deleted by the system is missing at once.
     WriteAllLines(f.Path("PnchStg.3"), {"P42,5", "******"});
     DeleteFile(f.Path("PnchStg.3"));
     ApplySettingsStage(f.State, three, "A");
-    EXPECT_EQ(f.State.Tables.PostParam[42], 0.0f);
-    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 4);
+    ExpectStage(f, 42, 0.0f, 4);
 }
 
 // Outside a lookup scope nothing is kept: a file made by any means is read.
@@ -133,8 +135,7 @@ TEST(ApplySettingsStage, PunchStageIsReadFromItsFile) {
     WriteAllLines(f.Path("PnchStg.2"), {"P40,12", "******"});
     int32_t stage = 2;
     ApplySettingsStage(f.State, stage, "A");
-    EXPECT_EQ(f.State.Tables.PostParam[40], 12.0f);
-    EXPECT_EQ(f.State.Loop.Stages.CurrentStage, 2);
+    ExpectStage(f, 40, 12.0f, 2);
 }
 
 TEST(ApplySettingsStage, CuttingStageZeroAppliesTheStageInForceWithoutReopeningTheFile) {

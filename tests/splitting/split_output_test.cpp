@@ -77,12 +77,22 @@ TEST(SplitOutput, AFileOutputWritesEachRecordAtTheNextNumber) {
     EXPECT_EQ(ReadRecord(file, 1).EntityCode, 0);
 }
 
+namespace {
+
+// An output with neither file nor list, counting what it is given.
+SplitOutput CountingOutput(const MachineState& machine, int32_t& count) {
+    SplitOutput out;
+    out.Machine = &machine;
+    out.OutputCount = &count;
+    return out;
+}
+
+}  // namespace
+
 TEST(SplitOutput, AnOutputWithNeitherFileNorListOnlyCounts) {
     const MachineState m = Machine();
     int32_t count = 0;
-    SplitOutput out;
-    out.Machine = &m;
-    out.OutputCount = &count;
+    SplitOutput out = CountingOutput(m, count);
     const DrawRecord source = Source(151);
     AppendRecord(out, source, source);
     EXPECT_EQ(count, 1);
@@ -91,9 +101,7 @@ TEST(SplitOutput, AnOutputWithNeitherFileNorListOnlyCounts) {
 TEST(SplitOutput, OneEntityMakesNoMoreThanTheBoundAndTheFaultNamesIt) {
     const MachineState m = Machine();
     int32_t count = 0;
-    SplitOutput out;
-    out.Machine = &m;
-    out.OutputCount = &count;
+    SplitOutput out = CountingOutput(m, count);
     out.Place = "record 12 of Progmain.drw";
     const DrawRecord source = Source(151);
     for (int32_t i = 0; i < MostRecordsFromOneEntity; ++i) AppendRecord(out, source, source);
@@ -106,9 +114,7 @@ TEST(SplitOutput, OneEntityMakesNoMoreThanTheBoundAndTheFaultNamesIt) {
 TEST(SplitOutput, APlaceGivenByItsPartsIsNamedInTheFault) {
     const MachineState m = Machine();
     int32_t count = 0;
-    SplitOutput out;
-    out.Machine = &m;
-    out.OutputCount = &count;
+    SplitOutput out = CountingOutput(m, count);
     const std::string file = "Progmain.drw";
     out.PlaceNumber = 12;
     out.PlaceFile = &file;
